@@ -1,0 +1,44 @@
+// A thread that is made suspended, resumed once and joined.
+#ifndef QXCM_PLATFORM_THREAD_H
+#define QXCM_PLATFORM_THREAD_H
+
+#include <atomic>
+#include <functional>
+
+#include "platform/handle.h"
+#include "platform/windows_api.h"
+
+namespace qxcm {
+
+/// Owns one thread at a time. Create, Resume and Join are called by the owner, one at a time. A created thread must
+/// be resumed and joined before the object goes.
+class Thread {
+ public:
+  Thread() = default;
+  Thread(const Thread&) = delete;
+  Thread& operator=(const Thread&) = delete;
+
+  /// Makes the thread suspended; false when the platform has none to give. `body` must not throw.
+  bool Create(std::function<void()> body);
+  void Resume();
+
+  bool created() const { return static_cast<bool>(handle_); }
+  /// The body has returned (or nothing was created).
+  bool finished() const { return finished_.load(std::memory_order_acquire); }
+  HANDLE handle() const { return handle_.get(); }
+
+  /// Waits until the body has returned, handling messages sent to the calling thread's windows meanwhile, and lets go
+  /// of the thread. Nothing to do when no thread was created.
+  void Join();
+
+ private:
+  static DWORD WINAPI Run(LPVOID self);
+
+  std::function<void()> body_;
+  Handle handle_;
+  std::atomic<bool> finished_{true};
+};
+
+}  // namespace qxcm
+
+#endif

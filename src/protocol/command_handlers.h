@@ -1,0 +1,18 @@
+// The handlers that the command table names; each is defined in its family's folder under commands/.
+#ifndef QXCM_PROTOCOL_COMMAND_HANDLERS_H
+#define QXCM_PROTOCOL_COMMAND_HANDLERS_H
+
+#include <cstdint>
+
+namespace qxcm {
+
+class CommandProcessor;
+class FieldMap;
+
+// commands/measure/output_modes.cpp
+std::int32_t StOmd(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t GtOmd(CommandProcessor& processor, const FieldMap& fields);
+
+}  // namespace qxcm
+
+#endif
