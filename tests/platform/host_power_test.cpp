@@ -1,0 +1,20 @@
+// The virtual instrument's power state.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "posix/ce_calls.h"
+#include "posix/power.h"
+
+namespace {
+
+TEST(Power, KnowsThreeStatesAndNoNames) {
+  for (const DWORD state : {host::kPowerSuspend, host::kPowerReset, host::kPowerOn}) {
+    EXPECT_EQ(SetSystemPowerState(nullptr, state, 0), 0u);
+    EXPECT_EQ(host::PowerState(), state);
+  }
+  EXPECT_EQ(SetSystemPowerState(nullptr, 0x20000, 0), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(SetSystemPowerState(TEXT("on"), host::kPowerOn, 0), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(host::PowerState(), host::kPowerOn);
+}
+
+}  // namespace
