@@ -102,6 +102,8 @@ typedef struct _SECURITY_ATTRIBUTES {
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T stack, LPTHREAD_START_ROUTINE start, LPVOID argument,
                            DWORD flags, LPDWORD id);
 DWORD WINAPI ResumeThread(HANDLE thread);
+/* Only for a thread that is still suspended as it was made; error 50 otherwise. */
+BOOL WINAPI TerminateThread(HANDLE thread, DWORD code);
 BOOL WINAPI GetExitCodeThread(HANDLE thread, LPDWORD code);
 DWORD WINAPI GetCurrentThreadId(void);
 DWORD WINAPI GetCurrentProcessId(void);

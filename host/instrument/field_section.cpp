@@ -37,6 +37,14 @@ Field IntegerField(std::string name, std::function<std::int64_t()> get, std::fun
           [set](const Json& value) { set(value.get<std::int64_t>()); }, [set, standard] { set(standard); }};
 }
 
+Field NumberField(std::string name, std::function<double()> get, std::function<void(double)> set, double standard) {
+  const auto check = [](const Json& value) {
+    if (!value.is_number()) throw StateError("a number is expected");
+  };
+  return {std::move(name), [get] { return Json(get()); }, check, [set](const Json& value) { set(value.get<double>()); },
+          [set, standard] { set(standard); }};
+}
+
 Field ChoiceField(std::string name, std::function<std::string()> get, std::function<void(const std::string&)> set,
                   std::string standard, std::vector<std::string> choices) {
   const auto check = [choices](const Json& value) {
@@ -51,8 +59,8 @@ Field ChoiceField(std::string name, std::function<std::string()> get, std::funct
           [set](const Json& value) { set(value.get<std::string>()); }, [set, standard] { set(standard); }};
 }
 
-FieldSection::FieldSection(std::string name, std::vector<Field> fields)
-    : name_(std::move(name)), fields_(std::move(fields)) {}
+FieldSection::FieldSection(std::string name, std::vector<Field> fields, std::function<void()> changed)
+    : name_(std::move(name)), fields_(std::move(fields)), changed_(std::move(changed)) {}
 
 const Field& FieldSection::Find(const std::string& member) const {
   for (const Field& field : fields_) {
@@ -85,12 +93,14 @@ void FieldSection::Apply(const Json& patch) {
     const auto member = patch.find(field.name);
     if (member != patch.end()) field.set(*member);
   }
+  if (changed_) changed_();
 }
 
 void FieldSection::Reset() {
   for (const Field& field : fields_) {
     if (field.reset) field.reset();
   }
+  if (changed_) changed_();
 }
 
 }  // namespace host::instrument

@@ -25,13 +25,16 @@ Field BoolField(std::string name, std::function<bool()> get, std::function<void(
 /// A whole number from lowest to highest.
 Field IntegerField(std::string name, std::function<std::int64_t()> get, std::function<void(std::int64_t)> set,
                    std::int64_t standard, std::int64_t lowest, std::int64_t highest);
+/// Any number.
+Field NumberField(std::string name, std::function<double()> get, std::function<void(double)> set, double standard);
 /// A text out of a few.
 Field ChoiceField(std::string name, std::function<std::string()> get, std::function<void(const std::string&)> set,
                   std::string standard, std::vector<std::string> choices);
 
 class FieldSection : public StateSection {
  public:
-  FieldSection(std::string name, std::vector<Field> fields);
+  /// \param changed  called after members have been set or reset; null for nothing to do
+  FieldSection(std::string name, std::vector<Field> fields, std::function<void()> changed = nullptr);
 
   std::string Name() const override { return name_; }
   Json ToJson() const override;
@@ -45,6 +48,7 @@ class FieldSection : public StateSection {
 
   std::string name_;
   std::vector<Field> fields_;
+  std::function<void()> changed_;
 };
 
 }  // namespace host::instrument

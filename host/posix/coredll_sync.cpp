@@ -31,6 +31,10 @@ DWORD ResumeThread(HANDLE thread) {
   return CoreDllCall("ResumeThread", kUnlisted, FailsWith::kMinusOne, host::ResumeThread, thread);
 }
 
+BOOL TerminateThread(HANDLE thread, DWORD code) {
+  return CoreDllCall("TerminateThread", kUnlisted, host::TerminateThread, thread, code);
+}
+
 BOOL GetExitCodeThread(HANDLE thread, LPDWORD code) {
   return CoreDllCall("GetExitCodeThread", kUnlisted, host::GetExitCodeThread, thread, code);
 }

@@ -10,6 +10,9 @@ namespace host {
 namespace {
 
 constexpr DWORD kStillActive = 259;
+constexpr std::uint32_t kRunning = 0;
+constexpr std::uint32_t kSuspended = 1;
+constexpr std::uint32_t kEndAtOnce = 2;
 std::atomic<std::size_t> library_threads{0};
 
 }  // namespace
@@ -17,7 +20,7 @@ std::atomic<std::size_t> library_threads{0};
 std::size_t LibraryThreads() { return library_threads.load(); }
 
 Thread::Thread(LPTHREAD_START_ROUTINE start, LPVOID argument, bool suspended)
-    : start_(start), argument_(argument), librarys_(InLibraryCall()), suspended_(suspended ? 1u : 0u) {}
+    : start_(start), argument_(argument), librarys_(InLibraryCall()), suspended_(suspended ? kSuspended : kRunning) {}
 
 // The running thread refers to its object, so the thread has ended or is, in this very call, about to.
 Thread::~Thread() {
@@ -48,17 +51,26 @@ void* Thread::Run(void* pointer) {
   Thread& self = *state.thread;
   self.id_.store(state.id, std::memory_order_release);
   FutexWake(&self.id_, FutexScope::kProcess);
-  while (self.suspended_.load(std::memory_order_acquire) != 0) {
-    FutexWait(self.suspended_, 1, kNever, FutexScope::kProcess);
+  while (self.suspended_.load(std::memory_order_acquire) == kSuspended) {
+    FutexWait(self.suspended_, kSuspended, kNever, FutexScope::kProcess);
   }
-  self.result_ = self.start_(self.argument_);
+  if (self.suspended_.load(std::memory_order_acquire) == kRunning) self.result_ = self.start_(self.argument_);
   return nullptr;
 }
 
 DWORD Thread::Resume() {
-  const DWORD before = suspended_.exchange(0, std::memory_order_acq_rel);
-  if (before != 0) FutexWake(&suspended_, FutexScope::kProcess);
-  return before;
+  std::uint32_t before = kSuspended;
+  if (suspended_.compare_exchange_strong(before, kRunning)) FutexWake(&suspended_, FutexScope::kProcess);
+  return before == kSuspended ? 1 : 0;
+}
+
+bool Thread::EndUnlessResumed(DWORD result) {
+  std::uint32_t before = kSuspended;
+  if (suspended_.load(std::memory_order_acquire) != kSuspended) return false;
+  result_ = result;
+  if (!suspended_.compare_exchange_strong(before, kEndAtOnce)) return false;
+  FutexWake(&suspended_, FutexScope::kProcess);
+  return true;
 }
 
 DWORD Thread::Id() const {

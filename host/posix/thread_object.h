@@ -23,6 +23,8 @@ class Thread final : public Waitable {
 
   /// The suspend count before.
   DWORD Resume();
+  /// The suspended thread ends with this result instead of beginning; false when it has been resumed.
+  bool EndUnlessResumed(DWORD result);
   /// Waits until the new thread has told its number.
   DWORD Id() const;
   DWORD ExitCode() const;
@@ -36,7 +38,7 @@ class Thread final : public Waitable {
   const LPTHREAD_START_ROUTINE start_;
   const LPVOID argument_;
   const bool librarys_;  // made in one of the library's calls
-  FutexWord suspended_;
+  FutexWord suspended_;  // kRunning, kSuspended or kEndAtOnce
   FutexWord id_{0};
   pthread_t thread_{};
   bool started_ = false;

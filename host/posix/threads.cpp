@@ -33,6 +33,12 @@ DWORD ResumeThread(HANDLE handle) {
   return thread == nullptr ? 0xFFFFFFFFu : thread->Resume();
 }
 
+BOOL TerminateThread(HANDLE handle, DWORD code) {
+  const auto thread = FindHandle<Thread>(handle);
+  if (thread == nullptr) return FALSE;
+  return thread->EndUnlessResumed(code) ? TRUE : Fail(ERROR_NOT_SUPPORTED, FALSE);
+}
+
 BOOL GetExitCodeThread(HANDLE handle, LPDWORD code) {
   const auto thread = FindHandle<Thread>(handle);
   if (thread == nullptr) return FALSE;

@@ -15,6 +15,9 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T stack, LPTHREAD_START
 /// The suspend count before the call (1 or 0); 0xFFFFFFFF with last error 6.
 DWORD ResumeThread(HANDLE thread);
 
+/// Ends a thread that has not been resumed yet. FALSE: last error 6, or 50 for any other thread.
+BOOL TerminateThread(HANDLE thread, DWORD code);
+
 /// 259 while the thread runs. FALSE: last error 6.
 BOOL GetExitCodeThread(HANDLE thread, LPDWORD code);
 

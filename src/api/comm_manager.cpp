@@ -14,8 +14,8 @@ namespace {
 
 constexpr WCHAR kBluetoothPort[] = TEXT("COMBT:");
 constexpr WCHAR kCablePort[] = TEXT("COM5:");
-constexpr double kSmallestStep = 0.1;  // seconds of arc
-constexpr double kLargestStep = 60.0;
+constexpr DWORD kLookAgain = 50;        // milliseconds between looks at a dispatcher that shall end
+constexpr DWORD kLongestNotice = 5000;  // milliseconds that a window may take while its service is closed
 
 WideText NormalisedPortName(LPCWSTR name) {
   if (name == nullptr) throw std::logic_error("null pointer.");
@@ -28,6 +28,7 @@ WideText NormalisedPortName(LPCWSTR name) {
 
 CommManager::CommManager(LPCWSTR port_name, std::unique_ptr<Link> link)
     : port_name_(NormalisedPortName(port_name)), link_(std::move(link)) {
+  measured_data_.ReadAll();
   Guard guard(lock_);
   if (!OpenLink()) throw comm_io_exception("cannot open port.");
   if (!processor_.Start()) {
@@ -39,16 +40,26 @@ CommManager::CommManager(LPCWSTR port_name, std::unique_ptr<Link> link)
 CommManager::~CommManager() {
   MarkClosing();
   Shutdown();
+  while (!processor_.JoinFor(INFINITE)) {
+  }
+  focus_worker_.Stop();
 }
 
-bool CommManager::Shutdown() {
+void CommManager::Shutdown() {
   assembler_.Stop();
   processor_.RequestStop();
-  const bool dispatcher_waits_for_us = notify_list_.IsSendingToThisThread();
-  if (!dispatcher_waits_for_us) processor_.Join();
   Guard guard(lock_);
   CloseLink();
-  return !dispatcher_waits_for_us;
+}
+
+bool CommManager::AwaitEnd() {
+  for (DWORD sending = 0; !processor_.JoinFor(0); processor_.JoinFor(kLookAgain)) {
+    if (notify_list_.IsSendingToThisThread()) return false;
+    sending = notify_list_.IsSending() ? sending + kLookAgain : 0;
+    if (sending > kLongestNotice) return false;
+  }
+  focus_worker_.Stop();
+  return true;
 }
 
 bool CommManager::OpenLink() {
@@ -81,14 +92,9 @@ std::int32_t CommManager::Resume() {
   return QCM_OK;
 }
 
-std::int32_t CommManager::SetAngleRoundStep(double step) {
-  if (!(step >= kSmallestStep && step <= kLargestStep)) return QCM_BAD_ARGUMENT;  // not a number is refused too
-  Guard guard(lock_);
-  angle_round_step_ = step;
-  return QCM_OK;
+void CommManager::HandleEvent(DWORD mask) {
+  if (!closing()) measured_data_.HandleEvent(mask);
 }
-
-void CommManager::HandleEvent(DWORD) {}
 
 void CommManager::HandleKey(std::uint32_t code) {
   if (!closing()) ReportKey(*this, code);

@@ -9,7 +9,8 @@
 
 #include "api/notify_list.h"
 #include "api/request_records.h"
-#include "commands/measure/output_modes.h"
+#include "commands/measure/focus.h"
+#include "commands/measure/measured_data.h"
 #include "link/link.h"
 #include "platform/lock.h"
 #include "platform/text.h"
@@ -34,10 +35,12 @@ class CommManager final : public Service {
   void MarkClosing() { closing_.store(true, std::memory_order_release); }
   bool closing() const { return closing_.load(std::memory_order_acquire); }
 
-  /// Ends the dispatcher and closes the link; messages sent to the calling thread's windows are handled meanwhile.
-  /// False when the dispatcher waits for the calling thread to return from a notice sent to it: then all else is done,
-  /// and the object has to live until DispatcherEnded(). One thread at a time.
-  bool Shutdown();
+  /// Closes the link and tells the dispatcher to end. May take as long as a write in progress.
+  void Shutdown();
+  /// After Shutdown: waits until the service's threads have ended; messages sent to the calling thread's windows are
+  /// handled meanwhile. False when the dispatcher waits for a window to handle a notice, and that window is the calling
+  /// thread's or does not return: then the object has to live until DispatcherEnded(). One thread; with no lock held.
+  bool AwaitEnd();
   bool DispatcherEnded() const { return processor_.finished(); }
 
   /// QCM_OK; closes the port and keeps everything else.
@@ -51,9 +54,6 @@ class CommManager final : public Service {
   RequestRecords& records() { return records_; }
   CommandProcessor& processor() { return processor_; }
 
-  /// `step` in seconds of arc; QCM_BAD_ARGUMENT outside 0.1 to 60.0.
-  std::int32_t SetAngleRoundStep(double step);
-
   /// The instrument reports changes: one bit a kind. On the event window's thread.
   void HandleEvent(DWORD mask);
   /// A key was pressed on the instrument.
@@ -66,7 +66,9 @@ class CommManager final : public Service {
   void PostNotification(std::uint32_t code, LPARAM detail) override { notify_list_.Post(code, detail); }
   void SendNotification(std::uint32_t code, LPARAM detail) override { notify_list_.Send(code, detail); }
   Lock& lock() QXCM_RETURN_CAPABILITY(lock_) override { return lock_; }
-  OutputModes& output_modes() override { return output_modes_; }
+  MeasuredData& measured_data() override { return measured_data_; }
+  FocusWorker& focus_worker() override { return focus_worker_; }
+  void StoreRequest(const QCM_MSR_PARAMS& request) override { records_.Store(&request); }
 
  private:
   bool OpenLink() QXCM_REQUIRES(lock_);
@@ -84,8 +86,9 @@ class CommManager final : public Service {
   Lock lock_;  // the manager lock
   bool suspended_ QXCM_GUARDED_BY(lock_) = false;
   std::string frame_ QXCM_GUARDED_BY(lock_);  // the frame being sent; kept so that its memory is used again
-  OutputModes output_modes_ QXCM_GUARDED_BY(lock_);
-  double angle_round_step_ QXCM_GUARDED_BY(lock_) = 1.0;  // seconds of arc
+
+  MeasuredData measured_data_{*this};
+  FocusWorker focus_worker_{*this};
 };
 
 }  // namespace qxcm

@@ -40,7 +40,13 @@ bool Install(Handler handler) {
   if (IsWindow(window) == FALSE || message < kLowestMessage) return false;
   state.message.store(message, std::memory_order_relaxed);
   state.handler.store(handler, std::memory_order_release);
-  state.previous.store(reinterpret_cast<WNDPROC>(GetWindowLongW(window, kWindowProcedure)), std::memory_order_release);
+  const auto current = reinterpret_cast<WNDPROC>(GetWindowLongW(window, kWindowProcedure));
+  if (current == nullptr) return false;
+  if (current == &EventWindowProc) {  // it could not be put back the last time, and knows what it stands before
+    state.window = window;
+    return true;
+  }
+  state.previous.store(current, std::memory_order_release);
   const LONG_PTR replaced = SetWindowLongW(window, kWindowProcedure, reinterpret_cast<LONG_PTR>(&EventWindowProc));
   if (replaced == 0) return false;
   state.window = window;

@@ -81,7 +81,9 @@ QCM_INT32 QCMGetPortName(QCM_HANDLE handle, QCM_WCHAR* buffer, QCM_UINT32 buffer
 }
 
 QCM_INT32 QCMSetAngleRoundParams(QCM_HANDLE handle, double step_seconds) {
-  return WithService(handle, [&](CommManager& manager) { return manager.SetAngleRoundStep(step_seconds); });
+  return WithService(handle, [&](CommManager& manager) {
+    return manager.measured_data().SetRoundStep(step_seconds) ? QCM_OK : QCM_BAD_ARGUMENT;
+  });
 }
 
 QCM_INT32 QCMGetLastMsrParams(QCM_HANDLE handle, QCM_MSR_PARAMS* record) { return FetchRecord(handle, record); }

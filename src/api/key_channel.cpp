@@ -2,6 +2,7 @@
 #include "api/key_channel.h"
 
 #include <cstring>
+#include <optional>
 #include <stdexcept>
 
 #include "platform/lock.h"
@@ -16,10 +17,14 @@ constexpr WCHAR kKeyEvent[] = TEXT("KORAX-HALVERN.RZM.CommKeyDownEv");
 constexpr WCHAR kKeyBlock[] = TEXT("KORAX-HALVERN.RZM.CommKeyData");
 constexpr WCHAR kKeyMutex[] = TEXT("KORAX-HALVERN.RZM.CommKeyDataMtx");
 
-std::uint32_t ReadKey(SharedBlock& block) {
+constexpr DWORD kRetryPause = 50;  // milliseconds after the platform refused the mutex
+
+/// Nothing when the stop event came first: another process may keep the mutex for good.
+std::optional<std::uint32_t> ReadKey(SharedBlock& block, const Event& stop) {
   std::uint32_t code = 0;
-  Guard guard(block.mutex());
+  if (!block.mutex().EnterUnless(stop)) return std::nullopt;
   std::memcpy(&code, block.bytes(), sizeof code);
+  block.mutex().Leave();
   return code;
 }
 
@@ -29,7 +34,7 @@ void KeyChannel::Start() {
   if (!thread_.finished()) return;
   thread_.Join();
   stop_.Reset();
-  if (thread_.Create([this] { Run(); })) thread_.Resume();
+  if (thread_.Create([this] { Run(); })) thread_.Start();
 }
 
 void KeyChannel::Stop() {
@@ -45,16 +50,25 @@ void KeyChannel::Run() {
   }
 }
 
+// Announcements are flags, not counted: what is announced while a key is delivered is the next one.
 void KeyChannel::DeliverKeys() {
   Event announced(kKeyEvent);
   SharedBlock block(kKeyBlock, kKeyMutex, sizeof(std::uint32_t));
   for (;;) {
     const Woken woken = WaitForEither(stop_, announced);
     if (woken == Woken::kFirst) return;
-    if (woken == Woken::kNeither) continue;
-    const std::uint32_t code = ReadKey(block);
+    if (woken == Woken::kSecond) DeliverKey(announced, block);
+  }
+}
+
+void KeyChannel::DeliverKey(Event& announced, SharedBlock& block) {
+  try {
+    const std::optional<std::uint32_t> code = ReadKey(block, stop_);
+    if (!code) return;
     announced.Reset();
-    handler_(code);
+    handler_(*code);
+  } catch (const std::runtime_error&) {
+    WaitFor(stop_, kRetryPause);  // the announcement stays: another attempt follows
   }
 }
 

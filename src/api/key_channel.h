@@ -9,6 +9,8 @@
 
 namespace qxcm {
 
+class SharedBlock;
+
 /// The process-wide key thread. Start and Stop are called under the lifecycle lock.
 class KeyChannel {
  public:
@@ -26,6 +28,7 @@ class KeyChannel {
  private:
   void Run();
   void DeliverKeys();
+  void DeliverKey(Event& announced, SharedBlock& block);
 
   const Handler handler_;
   Event stop_;

@@ -29,6 +29,8 @@ class NotifyList {
   /// a window must not register or unregister on the same service from another thread while it handles the message.
   void Send(WPARAM code, LPARAM detail);
 
+  /// Whether Send() waits at this moment for a window to handle its notice.
+  bool IsSending() const { return receiving_thread_.load(std::memory_order_acquire) != 0; }
   /// Whether Send() waits at this moment for the calling thread, which is handling the notice it sent.
   bool IsSendingToThisThread() const;
 

@@ -55,13 +55,23 @@ QCM_HANDLE OpenServices::Open(LPCWSTR port_name) {
 
 std::int32_t OpenServices::Close(QCM_HANDLE handle) {
   if (Find(handle) == nullptr) return QCM_NO_SERVICE;  // without waiting for an open in progress
+  const std::shared_ptr<CommManager> manager = ShutDown(handle);
+  if (manager == nullptr) return QCM_NO_SERVICE;
+  // With no lock held: a window that the dispatcher waits for may open and close services itself.
+  manager->AwaitEnd();
   Guard lifecycle(lifecycle_lock_);
   ForgetEnded();
-  const std::shared_ptr<CommManager> manager = Remove(handle);
-  if (manager == nullptr) return QCM_NO_SERVICE;
-  if (!manager->Shutdown()) ending_.push_back(manager);
-  StopSharedPartsWhenLastIsGone();
   return QCM_OK;
+}
+
+std::shared_ptr<CommManager> OpenServices::ShutDown(QCM_HANDLE handle) {
+  Guard lifecycle(lifecycle_lock_);
+  std::shared_ptr<CommManager> manager = Remove(handle);
+  if (manager == nullptr) return nullptr;
+  ending_.push_back(manager);
+  manager->Shutdown();
+  StopSharedPartsWhenLastIsGone();
+  return manager;
 }
 
 std::shared_ptr<CommManager> OpenServices::Find(QCM_HANDLE handle) {
@@ -119,6 +129,7 @@ void OpenServices::StopSharedPartsWhenLastIsGone() {
   if (Count() != 0) return;
   event_window::Remove();
   key_channel_.Stop();
+  window_list_block_.reset();
 }
 
 }  // namespace qxcm

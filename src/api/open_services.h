@@ -18,7 +18,8 @@
 
 namespace qxcm {
 
-/// Process-wide; any thread. Open and Close are serialised by the lifecycle lock. The global lock guards the handle map
+/// Process-wide; any thread. Open and Close are serialised by the lifecycle lock, but for the wait
+/// for a closed service's threads. The global lock guards the handle map
 /// alone and is never held while a service works or is waited for: whoever looks a service up shares its ownership.
 class OpenServices {
  public:
@@ -44,14 +45,15 @@ class OpenServices {
   void CreateWindowListBlock() QXCM_REQUIRES(lifecycle_lock_);
   QCM_HANDLE Insert(std::shared_ptr<CommManager> manager);
   std::shared_ptr<CommManager> Remove(QCM_HANDLE handle);
+  std::shared_ptr<CommManager> ShutDown(QCM_HANDLE handle);
   void ForgetEnded() QXCM_REQUIRES(lifecycle_lock_);
   void StopSharedPartsWhenLastIsGone() QXCM_REQUIRES(lifecycle_lock_);
 
   WindowSafeLock lifecycle_lock_;
   KeyChannel key_channel_ QXCM_GUARDED_BY(lifecycle_lock_);
-  // Made with the first service and kept: other processes find it by name.
+  // There while a service is open: other processes find it by name.
   std::optional<SharedBlock> window_list_block_ QXCM_GUARDED_BY(lifecycle_lock_);
-  // Closed from inside a sent notice: kept until their dispatchers have ended.
+  // Closed: kept until their dispatchers have ended, which a window that handles a notice may hold up.
   std::vector<std::shared_ptr<CommManager>> ending_ QXCM_GUARDED_BY(lifecycle_lock_);
 
   Lock global_lock_;

@@ -7,8 +7,9 @@ namespace {
 
 constexpr DWORD kDriverBuffer = 1024;     // bytes, each way
 constexpr DWORD kTransferTimeout = 5000;  // milliseconds for one read or write
-constexpr DWORD kMaskRepeat = 10;         // milliseconds between attempts to end a pending comm wait
-constexpr DWORD kRetryPause = 100;        // milliseconds after a port call failed
+constexpr int kMaskAttempts = 50;
+constexpr DWORD kMaskRepeat = 10;   // milliseconds between attempts to end a pending comm wait
+constexpr DWORD kRetryPause = 100;  // milliseconds after a port call failed
 constexpr DWORD kEvents = EV_RXCHAR | EV_ERR;
 
 void SetLineState(DCB& state) {
@@ -58,29 +59,35 @@ bool SerialChannel::Configure() {
 }
 
 bool SerialChannel::StartThreads() {
+  const HANDLE port = port_.get();
   stop_.Reset();
-  const bool created = reader_.Create([this] { ReadLoop(); }) && writer_.Create([this] { WriteLoop(); });
+  const bool created = reader_.Create([=] { ReadLoop(port); }) && writer_.Create([=] { WriteLoop(port); });
   if (!created) stop_.Set();  // a lone reader ends at once; Close joins it
   if (created) {
     Guard guard(transmit_lock_);
     accepting_ = true;
     room_.Set();
   }
-  if (reader_.created()) reader_.Resume();
-  if (writer_.created()) writer_.Resume();
-  return created;
+  const bool reads = !reader_.created() || reader_.Start();
+  const bool writes = !writer_.created() || writer_.Start();
+  return created && reads && writes;
 }
 
 void SerialChannel::StopThreads() {
   stop_.Set();
-  if (reader_.created()) {
-    // A wait entered just after the mask was cleared would not see it: repeat until the reader has ended.
-    do {
-      SetCommMask(port_.get(), 0);
-    } while (WaitForSingleObject(reader_.handle(), kMaskRepeat) == WAIT_TIMEOUT);
-    reader_.Join();
-  }
   writer_.Join();
+  EndReader();
+}
+
+// A wait entered just after the mask was cleared would not see it: it is cleared until the reader has ended. Should
+// that not help, closing the port ends the wait.
+void SerialChannel::EndReader() {
+  for (int attempt = 0; attempt < kMaskAttempts && !reader_.finished(); ++attempt) {
+    SetCommMask(port_.get(), 0);
+    if (WaitForSingleObject(reader_.handle(), kMaskRepeat) == WAIT_FAILED) Sleep(kMaskRepeat);
+  }
+  if (!reader_.finished()) port_.Close();
+  reader_.Join();
 }
 
 void SerialChannel::Close() {
@@ -122,7 +129,7 @@ void SerialChannel::Write(std::string_view bytes) {
 }
 
 void SerialChannel::WaitForRoom(const Event& give_up) {
-  if (!room_.WasSet()) WaitForEither(give_up, room_);
+  while (!room_.WasSet() && !give_up.WasSet()) WaitForEither(give_up, room_);
 }
 
 void SerialChannel::PurgeReceive() { Purge(true); }
@@ -136,30 +143,30 @@ void SerialChannel::Purge(bool receive) {
   receive_queue_.clear();
 }
 
-void SerialChannel::ReadLoop() {
-  SetCommMask(port_.get(), kEvents);
-  bool ok = ReceiveWaiting();  // bytes that came before the first wait raise no event
+void SerialChannel::ReadLoop(HANDLE port) {
+  SetCommMask(port, kEvents);
+  bool ok = ReceiveWaiting(port);  // bytes that came before the first wait raise no event
   while (!stop_.WasSet()) {
     DWORD events = 0;
-    ok = ok && WaitCommEvent(port_.get(), &events, nullptr) != FALSE;
+    ok = ok && WaitCommEvent(port, &events, nullptr) != FALSE && events != 0;
     if (stop_.WasSet()) return;
-    if (ok && (events & EV_RXCHAR) != 0) ok = ReceiveWaiting();
+    if (ok && (events & EV_RXCHAR) != 0) ok = ReceiveWaiting(port);
     if (ok) continue;
     // The port fails (an unplugged adapter): try again now and then until it is closed.
-    WaitForSingleObject(stop_.handle(), kRetryPause);
-    SetCommMask(port_.get(), stop_.WasSet() ? 0 : kEvents);
-    ok = true;
+    if (WaitFor(stop_, kRetryPause)) return;
+    SetCommMask(port, kEvents);
+    ok = ReceiveWaiting(port);
   }
 }
 
-bool SerialChannel::ReceiveWaiting() {
+bool SerialChannel::ReceiveWaiting(HANDLE port) {
   DWORD errors = 0;
   COMSTAT status = {};
-  if (ClearCommError(port_.get(), &errors, &status) == FALSE) return false;
+  if (ClearCommError(port, &errors, &status) == FALSE) return false;
   if (status.cbInQue == 0) return true;
   read_buffer_.resize(status.cbInQue);
   DWORD read = 0;
-  if (ReadFile(port_.get(), read_buffer_.data(), status.cbInQue, &read, nullptr) == FALSE) return false;
+  if (ReadFile(port, read_buffer_.data(), status.cbInQue, &read, nullptr) == FALSE) return false;
   bool waiting = false;
   {
     Guard guard(receive_lock_);
@@ -170,23 +177,24 @@ bool SerialChannel::ReceiveWaiting() {
   return true;
 }
 
-void SerialChannel::WriteLoop() {
+void SerialChannel::WriteLoop(HANDLE port) {
   std::string copy;
   for (;;) {
     const Woken woken = WaitForEither(stop_, send_);
     if (woken == Woken::kFirst) return;
-    if (woken == Woken::kSecond && !WriteQueued(copy)) WaitForSingleObject(stop_.handle(), kRetryPause);
+    if (woken == Woken::kSecond && !WriteQueued(port, copy)) WaitFor(stop_, kRetryPause);
   }
 }
 
-bool SerialChannel::WriteQueued(std::string& copy) {
+bool SerialChannel::WriteQueued(HANDLE port, std::string& copy) {
   {
     Guard guard(transmit_lock_);
     copy.assign(transmit_queue_);
+    if (copy.empty()) send_.Reset();  // once more, should the platform have refused it
   }
   if (copy.empty()) return true;
   DWORD written = 0;
-  if (WriteFile(port_.get(), copy.data(), static_cast<DWORD>(copy.size()), &written, nullptr) == FALSE) return false;
+  if (WriteFile(port, copy.data(), static_cast<DWORD>(copy.size()), &written, nullptr) == FALSE) return false;
   Guard guard(transmit_lock_);
   transmit_queue_.erase(0, written);
   if (transmit_queue_.empty()) send_.Reset();

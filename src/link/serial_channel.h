@@ -45,10 +45,11 @@ class SerialChannel final : public Link {
   bool StartThreads();
   void StopThreads();
   void Purge(bool receive);
-  void ReadLoop();
-  bool ReceiveWaiting();
-  void WriteLoop();
-  bool WriteQueued(std::string& copy);
+  void EndReader();
+  void ReadLoop(HANDLE port);
+  bool ReceiveWaiting(HANDLE port);
+  void WriteLoop(HANDLE port);
+  bool WriteQueued(HANDLE port, std::string& copy);
   void DiscardQueues();
 
   Handle port_;

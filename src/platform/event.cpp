@@ -1,4 +1,4 @@
-// Manual-reset events and the wait for two of them.
+// Manual-reset events and waits for them.
 #include "platform/event.h"
 
 #include <stdexcept>
@@ -6,8 +6,9 @@
 namespace qxcm {
 
 namespace {
-constexpr DWORD kRetryPause = 5;  // milliseconds
-}
+constexpr DWORD kLookAgain = 500;  // milliseconds, should the platform have refused to set an event
+constexpr DWORD kRetryPause = 5;   // milliseconds after a refusal
+}  // namespace
 
 Event::Event(LPCWSTR name) : handle_(CreateEventW(nullptr, TRUE, FALSE, name)) {
   if (!handle_) throw std::runtime_error("Event create failed.");
@@ -20,22 +21,31 @@ void Event::Set() {
 
 void Event::Reset() {
   set_.store(false, std::memory_order_release);
-  EventModify(handle_.get(), kEventReset);
+  if (EventModify(handle_.get(), kEventReset) == FALSE) Sleep(kRetryPause);  // whoever finds it set shall not spin
 }
 
 Woken WaitForEither(const Event& first, const Event& second) {
   const HANDLE handles[] = {first.handle(), second.handle()};
-  switch (WaitForMultipleObjects(2, handles, FALSE, INFINITE)) {
+  switch (WaitForMultipleObjects(2, handles, FALSE, kLookAgain)) {
     case WAIT_OBJECT_0:
     case WAIT_ABANDONED_0:
       return Woken::kFirst;
     case WAIT_OBJECT_0 + 1:
     case WAIT_ABANDONED_0 + 1:
       return Woken::kSecond;
+    case WAIT_TIMEOUT:
+      break;
     default:
       Sleep(kRetryPause);
-      return first.WasSet() ? Woken::kFirst : Woken::kNeither;
   }
+  return first.WasSet() ? Woken::kFirst : second.WasSet() ? Woken::kSecond : Woken::kNeither;
+}
+
+bool WaitFor(const Event& event, DWORD milliseconds) {
+  if (event.WasSet()) return true;
+  const DWORD result = WaitForSingleObject(event.handle(), milliseconds);
+  if (result == WAIT_FAILED) Sleep(kRetryPause);
+  return result == WAIT_OBJECT_0 || event.WasSet();
 }
 
 }  // namespace qxcm

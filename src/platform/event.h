@@ -9,7 +9,8 @@
 
 namespace qxcm {
 
-/// Stays signalled from Set() to Reset(); made not signalled. Any thread may call every function.
+/// Stays signalled from Set() to Reset(); made not signalled. Any thread may call every function. Waits for it do not
+/// rely on the platform alone: should it refuse to set the event, they see what was asked for a little later.
 class Event {
  public:
   /// Unnamed, or created or opened under a name. Throws std::runtime_error when the platform has none to give.
@@ -17,7 +18,7 @@ class Event {
 
   void Set();
   void Reset();
-  /// What this process last asked for; tells a thread whose wait failed whether it was to be woken.
+  /// What this process last asked for.
   bool WasSet() const { return set_.load(std::memory_order_acquire); }
   HANDLE handle() const { return handle_.get(); }
 
@@ -26,12 +27,14 @@ class Event {
   std::atomic<bool> set_{false};
 };
 
-/// What ended a wait for two events.
+/// What ended a wait for two events. kNeither: nothing did; the caller waits again.
 enum class Woken { kFirst, kSecond, kNeither };
 
-/// Waits without time-out; the first event wins when both are signalled. A wait that the platform refuses is
-/// retried by the caller: it answers from what was last asked of the first event, after a short pause.
+/// Waits for either event; the first wins when both are signalled.
 Woken WaitForEither(const Event& first, const Event& second);
+
+/// Waits for the event at most so long (milliseconds); whether it was signalled.
+bool WaitFor(const Event& event, DWORD milliseconds);
 
 }  // namespace qxcm
 

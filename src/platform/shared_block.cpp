@@ -5,16 +5,39 @@
 
 namespace qxcm {
 
+namespace {
+constexpr DWORD kLookAgain = 500;  // milliseconds
+constexpr DWORD kRetryPause = 5;   // milliseconds after a refusal
+constexpr int kReleaseAttempts = 20;
+}  // namespace
+
 NamedMutex::NamedMutex(LPCWSTR name) : mutex_(CreateMutexW(nullptr, FALSE, name)) {
   if (!mutex_) throw std::runtime_error("Mutex create failed.");
 }
 
-void NamedMutex::Enter() {
-  const DWORD result = WaitForSingleObject(mutex_.get(), INFINITE);
-  if (result != WAIT_OBJECT_0 && result != WAIT_ABANDONED_0) throw std::runtime_error("Mutex wait failed.");
+bool NamedMutex::Take(const Event* give_up) {
+  const HANDLE handles[] = {mutex_.get(), give_up == nullptr ? nullptr : give_up->handle()};
+  for (;;) {
+    switch (WaitForMultipleObjects(give_up == nullptr ? 1 : 2, handles, FALSE, kLookAgain)) {
+      case WAIT_OBJECT_0:
+      case WAIT_ABANDONED_0:
+        return true;
+      case WAIT_OBJECT_0 + 1:
+        return false;
+      case WAIT_TIMEOUT:
+        if (give_up != nullptr && give_up->WasSet()) return false;
+        break;
+      default:
+        throw std::runtime_error("Mutex wait failed.");
+    }
+  }
 }
 
-void NamedMutex::Leave() { ReleaseMutex(mutex_.get()); }
+void NamedMutex::Leave() {
+  // A mutex kept would shut out every other process: a refusal is not taken at once.
+  for (int attempt = 0; ReleaseMutex(mutex_.get()) == FALSE && attempt < kReleaseAttempts; ++attempt)
+    Sleep(kRetryPause);
+}
 
 SharedBlock::SharedBlock(LPCWSTR name, LPCWSTR mutex_name, std::size_t size) : mutex_(mutex_name) {
   SetLastError(0);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 
+#include "platform/event.h"
 #include "platform/handle.h"
 #include "platform/thread_annotations.h"
 #include "platform/windows_api.h"
@@ -17,10 +18,14 @@ class QXCM_CAPABILITY NamedMutex {
   explicit NamedMutex(LPCWSTR name);
 
   /// Waits without time-out. Throws std::runtime_error when the platform refuses the wait.
-  void Enter() QXCM_ACQUIRE();
+  void Enter() QXCM_ACQUIRE() { Take(nullptr); }
+  /// The same, but false, without the mutex, once `give_up` is set.
+  bool EnterUnless(const Event& give_up) QXCM_ANNOTATION(try_acquire_capability(true)) { return Take(&give_up); }
   void Leave() QXCM_RELEASE();
 
  private:
+  bool Take(const Event* give_up);
+
   Handle mutex_;
 };
 

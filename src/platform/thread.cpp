@@ -9,7 +9,9 @@ namespace qxcm {
 
 namespace {
 constexpr DWORD kRetryPause = 5;  // milliseconds
-}
+constexpr int kStartAttempts = 10;
+constexpr DWORD kRefused = 0xFFFFFFFF;
+}  // namespace
 
 bool Thread::Create(std::function<void()> body) {
   body_ = std::move(body);
@@ -19,18 +21,25 @@ bool Thread::Create(std::function<void()> body) {
   return created();
 }
 
-void Thread::Resume() {
-  // A suspended thread could never be joined: resuming is tried until the platform takes it.
-  while (ResumeThread(handle_.get()) == 0xFFFFFFFFu) Sleep(kRetryPause);
+bool Thread::Start() {
+  for (int attempt = 0; attempt < kStartAttempts; ++attempt) {
+    if (ResumeThread(handle_.get()) != kRefused) return true;
+    Sleep(kRetryPause);
+  }
+  TerminateThread(handle_.get(), 0);  // it has not run a step yet: nothing is left half-done
+  handle_.Close();
+  finished_.store(true, std::memory_order_relaxed);
+  return false;
 }
 
-void Thread::Join() {
-  if (!created()) return;
-  if (!WaitLettingSentMessagesThrough(handle_.get(), INFINITE)) {
-    while (!finished()) Sleep(kRetryPause);
+bool Thread::JoinFor(DWORD milliseconds) {
+  if (created() && !WaitLettingSentMessagesThrough(handle_.get(), milliseconds) && !finished()) {
+    Sleep(milliseconds == 0 ? 0 : kRetryPause);  // the platform may have refused the wait
+    return false;
   }
   handle_.Close();
   body_ = nullptr;
+  return true;
 }
 
 DWORD WINAPI Thread::Run(LPVOID self) {

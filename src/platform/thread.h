@@ -10,8 +10,8 @@
 
 namespace qxcm {
 
-/// Owns one thread at a time. Create, Resume and Join are called by the owner, one at a time. A created thread must
-/// be resumed and joined before the object goes.
+/// Owns one thread at a time. Create, Start and Join are called by the owner, one at a time. A started thread must be
+/// joined before the object goes.
 class Thread {
  public:
   Thread() = default;
@@ -20,7 +20,8 @@ class Thread {
 
   /// Makes the thread suspended; false when the platform has none to give. `body` must not throw.
   bool Create(std::function<void()> body);
-  void Resume();
+  /// Lets the created thread run. False when the platform refuses to: then there is no thread any more.
+  bool Start();
 
   bool created() const { return static_cast<bool>(handle_); }
   /// The body has returned (or nothing was created).
@@ -29,7 +30,12 @@ class Thread {
 
   /// Waits until the body has returned, handling messages sent to the calling thread's windows meanwhile, and lets go
   /// of the thread. Nothing to do when no thread was created.
-  void Join();
+  void Join() {
+    while (!JoinFor(INFINITE)) {
+    }
+  }
+  /// The same, for so many milliseconds at most; false when the body has not returned by then.
+  bool JoinFor(DWORD milliseconds);
 
  private:
   static DWORD WINAPI Run(LPVOID self);

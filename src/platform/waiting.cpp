@@ -1,9 +1,11 @@
 // Waits that keep a window-owning thread responsive to sent messages.
 #include "platform/waiting.h"
 
-#include <stdexcept>
-
 namespace qxcm {
+
+namespace {
+constexpr DWORD kLookAgain = 100;  // milliseconds
+}
 
 bool WaitLettingSentMessagesThrough(HANDLE object, DWORD milliseconds) {
   const DWORD start = GetTickCount();
@@ -17,14 +19,29 @@ bool WaitLettingSentMessagesThrough(HANDLE object, DWORD milliseconds) {
   }
 }
 
-WindowSafeLock::WindowSafeLock() : mutex_(CreateMutexW(nullptr, FALSE, nullptr)) {
-  if (!mutex_) throw std::runtime_error("Mutex create failed.");
-}
-
 void WindowSafeLock::Enter() {
-  if (!WaitLettingSentMessagesThrough(mutex_.get(), INFINITE)) throw std::runtime_error("Mutex wait failed.");
+  while (!TryEnter()) {
+    if (!WaitLettingSentMessagesThrough(free_.handle(), kLookAgain)) Sleep(1);
+  }
 }
 
-void WindowSafeLock::Leave() { ReleaseMutex(mutex_.get()); }
+bool WindowSafeLock::TryEnter() {
+  const DWORD self = GetCurrentThreadId();
+  Guard guard(lock_);
+  if (depth_ != 0 && holder_ != self) {
+    free_.Reset();
+    return false;
+  }
+  holder_ = self;
+  ++depth_;
+  return true;
+}
+
+void WindowSafeLock::Leave() {
+  Guard guard(lock_);
+  if (--depth_ != 0) return;
+  holder_ = 0;
+  free_.Set();
+}
 
 }  // namespace qxcm

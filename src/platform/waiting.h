@@ -2,7 +2,8 @@
 #ifndef QXCM_PLATFORM_WAITING_H
 #define QXCM_PLATFORM_WAITING_H
 
-#include "platform/handle.h"
+#include "platform/event.h"
+#include "platform/lock.h"
 #include "platform/thread_annotations.h"
 #include "platform/windows_api.h"
 
@@ -15,15 +16,21 @@ bool WaitLettingSentMessagesThrough(HANDLE object, DWORD milliseconds);
 /// A re-entrant lock for places where its holder may be sending a message to a window of the thread that waits for it.
 class QXCM_CAPABILITY WindowSafeLock {
  public:
-  /// Throws std::runtime_error when the platform has no mutex to give.
-  WindowSafeLock();
+  WindowSafeLock() = default;
+  WindowSafeLock(const WindowSafeLock&) = delete;
+  WindowSafeLock& operator=(const WindowSafeLock&) = delete;
 
-  /// Throws std::runtime_error when the platform refuses the wait.
   void Enter() QXCM_ACQUIRE();
   void Leave() QXCM_RELEASE();
 
  private:
-  Handle mutex_;
+  bool TryEnter();
+
+  // The event only hurries a waiting thread: it looks by itself now and then, should the platform refuse to set it.
+  Lock lock_;
+  DWORD holder_ QXCM_GUARDED_BY(lock_) = 0;  // a thread's number; 0 is none
+  int depth_ QXCM_GUARDED_BY(lock_) = 0;
+  Event free_;
 };
 
 }  // namespace qxcm

@@ -38,8 +38,7 @@ bool CommandProcessor::Start() {
     if (attempt == kStartAttempts) return false;
     Sleep(kStartPause);
   }
-  thread_.Resume();
-  return true;
+  return thread_.Start();
 }
 
 void CommandProcessor::Run() {

@@ -11,13 +11,13 @@ namespace qxcm {
 namespace {
 
 constexpr CommandEntry kMain[] = {
-    {"ST_OMD", StOmd},   {"GT_OMD", GtOmd},   {"MR_DST", nullptr}, {"ST_HAN", nullptr}, {"GT_MDT", nullptr},
-    {"ST_HSW", nullptr}, {"GT_HSW", nullptr}, {"ST_PRM", nullptr}, {"GT_PRM", nullptr}, {"GT_CST", nullptr},
+    {"ST_OMD", StOmd},   {"GT_OMD", GtOmd},   {"MR_DST", MrDst},   {"ST_HAN", StHan},   {"GT_MDT", GtMdt},
+    {"ST_HSW", StHsw},   {"GT_HSW", GtHsw},   {"ST_PRM", nullptr}, {"GT_PRM", nullptr}, {"GT_CST", nullptr},
     {"GT_EQP", nullptr}, {"ST_CLK", nullptr}, {"GT_CLK", nullptr}, {"GT_BAT", nullptr}, {"CM_I2C", nullptr},
     {"GT_PIF", nullptr}, {"EX_PRS", nullptr}, {"GT_FLS", nullptr}, {"MK_FDR", nullptr}, {"RM_FIL", nullptr},
     {"RM_FDR", nullptr}, {"CP_FIL", nullptr}, {"MV_FIL", nullptr}, {"CR_FIL", nullptr}, {"OP_FIL", nullptr},
-    {"CL_FIL", nullptr}, {"RD_FIL", nullptr}, {"WR_FIL", nullptr}, {"SK_FIL", nullptr}, {"ST_FOC", nullptr},
-    {"GT_FOS", nullptr},
+    {"CL_FIL", nullptr}, {"RD_FIL", nullptr}, {"WR_FIL", nullptr}, {"SK_FIL", nullptr}, {"ST_FOC", StFoc},
+    {"GT_FOS", GtFos},
 };
 
 // Reached only after a local application has switched tools mode on.

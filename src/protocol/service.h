@@ -5,13 +5,15 @@
 #include <cstdint>
 #include <string_view>
 
+#include "QXCommMgr.h"
 #include "platform/event.h"
 #include "platform/lock.h"
 #include "platform/windows_api.h"
 
 namespace qxcm {
 
-struct OutputModes;  // commands/measure/output_modes.h
+class MeasuredData;  // commands/measure/measured_data.h
+class FocusWorker;   // commands/measure/focus.h
 
 /// Every function may be called from any thread. Nothing is written to the link while the service is suspended.
 class Service {
@@ -33,7 +35,10 @@ class Service {
 
   /// The manager lock (re-entrant): guards the measured data, the output modes and the sends that belong to them.
   virtual Lock& lock() = 0;
-  virtual OutputModes& output_modes() QXCM_REQUIRES(lock()) = 0;
+  virtual MeasuredData& measured_data() = 0;
+  virtual FocusWorker& focus_worker() = 0;
+  /// Keeps a request for the local application to fetch.
+  virtual void StoreRequest(const QCM_MSR_PARAMS& request) = 0;
 
  protected:
   ~Service() = default;

@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <map>
 #include <system_error>
 #include <utility>
@@ -74,7 +76,7 @@ pid_t Spawn(const std::string& role, int in, int out) {
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, in, STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, out, STDOUT_FILENO);
-  std::string program = "/proc/self/exe";
+  std::string program = std::filesystem::read_symlink("/proc/self/exe").string();
   std::string option = kOption + role;
   std::array<char*, 3> arguments = {program.data(), option.data(), nullptr};
   auto texts = Environment();
@@ -128,6 +130,7 @@ int SecondProcess::Finish() {
 }  // namespace platform_test
 
 int main(int argc, char** argv) {
+  signal(SIGPIPE, SIG_IGN);  // telling a process that has been killed something is no reason to end
   const std::string option = argc > 1 ? argv[1] : "";
   if (option.rfind(platform_test::kOption, 0) == 0) {
     platform_test::Lines first(STDIN_FILENO, STDOUT_FILENO);

@@ -109,6 +109,13 @@ TEST(NamedMutex, ThreadThatEndsAbandonsIt) {
   EXPECT_EQ(Wait(mutex), WAIT_ABANDONED);
 }
 
+TEST(NamedMutex, ThreadThatEndsLeavesThoseOfOthersAlone) {
+  const Handle own = OwnedMutex(TEXT("QX-TEST.own")), other = FreeMutex(TEXT("QX-TEST.mutex"));
+  EXPECT_EQ(WaitOnAnotherThread(other, 0), WAIT_OBJECT_0);
+  EXPECT_EQ(Wait(other), WAIT_ABANDONED);
+  EXPECT_EQ(WaitOnAnotherThread(own, 0), WAIT_TIMEOUT);
+}
+
 TEST(NamedMutex, ReleasedMutexGoesToTheThreadThatWaits) {
   const Handle mutex = OwnedMutex(TEXT("QX-TEST.mutex"));
   TestThread waiter([&] { return Wait(mutex) == WAIT_OBJECT_0 && ReleaseMutex(mutex) != FALSE ? 1 : 0; });

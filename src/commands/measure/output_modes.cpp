@@ -8,6 +8,7 @@
 #include <array>
 #include <string_view>
 
+#include "commands/measure/measured_data.h"
 #include "commands/measure/valuetext/number_text.h"
 #include "platform/lock.h"
 #include "protocol/command_handlers.h"
@@ -42,7 +43,7 @@ constexpr int kKeyDigits = 2;
 std::int32_t StOmd(CommandProcessor& processor, const FieldMap& fields) {
   Service& service = processor.service();
   Guard guard(service.lock());
-  OutputModes& modes = service.output_modes();
+  OutputModes& modes = service.measured_data().output_modes();
   for (const Row& row : kRows) {
     const auto* text = fields.Find(row.key);
     if (text == nullptr) continue;
@@ -57,7 +58,7 @@ std::int32_t GtOmd(CommandProcessor& processor, const FieldMap& fields) {
   Reply reply("OMD");
   Service& service = processor.service();
   Guard guard(service.lock());
-  const OutputModes& modes = service.output_modes();
+  const OutputModes& modes = service.measured_data().output_modes();
   for (const Row& row : kRows) {
     if (fields.Has(row.key)) reply.AddInt(row.key, modes.*row.mode);
   }
@@ -67,7 +68,7 @@ std::int32_t GtOmd(CommandProcessor& processor, const FieldMap& fields) {
 
 void ReportKey(Service& service, std::uint32_t code) {
   Guard guard(service.lock());
-  if (service.output_modes().key != 1) return;
+  if (service.measured_data().output_modes().key != 1) return;
   service.SendAsynchronous(Reply("MDT").AddHex("KEY", code, kKeyDigits).text());
 }
 

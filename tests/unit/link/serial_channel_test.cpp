@@ -1,0 +1,454 @@
+// The serial channel: what it asks of the platform, and what it carries over a real tty.
+#include "link/serial_channel.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/event.h"
+#include "posix/handles.h"
+#include "posix/ports.h"
+#include "support/memory_link.h"
+#include "support/test_application.h"
+
+namespace {
+
+using qxcm::SerialChannel;
+using qxtest::Failing;
+using qxtest::kForGood;
+using qxtest::WaitUntil;
+using Calls = std::vector<std::string>;
+
+/// Takes what the channel has received, unless told to leave it.
+class Receiver final : public qxcm::LinkOwner {
+ public:
+  void AssembleReceivedBytes(qxcm::Link& link) override {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!takes_) return;
+    std::string bytes;
+    link.TakeReceived(bytes);
+    received_ += bytes;
+  }
+
+  void LeaveBytes() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    takes_ = false;
+  }
+  std::string received() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return received_;
+  }
+  bool Gets(const std::string& bytes) {
+    return WaitUntil([&] { return received() == bytes; });
+  }
+
+ private:
+  std::mutex mutex_;
+  bool takes_ = true;
+  std::string received_;
+};
+
+/// A channel with its receiver, not yet open.
+struct Port {
+  Port() { channel.SetOwner(&receiver); }
+  bool Open() { return channel.Open(u"COM5:"); }
+  /// Has the writer thread wait inside a write: the controller does not read.
+  void BlockWriter() {
+    channel.Write(std::string(SerialChannel::kTransmitLimit, 'x'));
+    EXPECT_NE(world.controller().Receive(1), "");
+  }
+
+  qxtest::World world;
+  Receiver receiver;
+  SerialChannel channel;
+};
+
+template <class Structure>
+Structure FromHex(const std::string& hex) {
+  Structure structure = {};
+  std::vector<unsigned char> bytes;
+  for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
+    bytes.push_back(static_cast<unsigned char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+  }
+  EXPECT_EQ(bytes.size(), sizeof structure);
+  std::memcpy(&structure, bytes.data(), std::min(bytes.size(), sizeof structure));
+  return structure;
+}
+
+/// The structure that a call set, from the call log.
+template <class Structure>
+Structure LastSet(const Port& port, const std::string& call) {
+  for (const host::CallRecord& record : port.world.Records()) {
+    if (std::get<std::string>(record.call) == call) return FromHex<Structure>(std::get<std::string>(record.args.at(1)));
+  }
+  ADD_FAILURE() << call << " was not called";
+  return {};
+}
+
+// ---- Opening
+
+TEST(SerialChannel, SetsThePortUpInThisOrder) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  port.channel.Close();
+  Calls calls = port.world.Calls();
+  for (std::string& call : calls) call = call.substr(0, call.find('('));
+  EXPECT_EQ(Calls(calls.begin(), calls.begin() + 4), (Calls{"CreateFileW", "SetupComm", "SetCommState", "SetCommTimeouts"}));
+}
+
+TEST(SerialChannel, OpensThePortForReadingAndWritingWithoutSharing) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  EXPECT_EQ(port.world.Calls({"CreateFileW"}), Calls{"CreateFileW(COM5:, 3221225472, 0, null, 3, 0, null)"});
+  EXPECT_EQ(port.world.Calls({"SetupComm"}), Calls{"SetupComm(1024, 1024)"});
+}
+
+TEST(SerialChannel, SetsSpeedAndCharacterFormat) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  const auto state = LastSet<DCB>(port, "SetCommState");
+  EXPECT_EQ(state.DCBlength, sizeof(DCB));
+  EXPECT_EQ(state.BaudRate, 38400u);
+  EXPECT_EQ(state.ByteSize, 8);
+  EXPECT_EQ(state.Parity, 0);
+  EXPECT_EQ(state.StopBits, 0);
+  EXPECT_EQ(state.XonChar, 0x11);
+  EXPECT_EQ(state.XoffChar, 0x13);
+}
+
+TEST(SerialChannel, SetsThreeOfTheFlagsAndClearsTheOthers) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  const auto state = LastSet<DCB>(port, "SetCommState");
+  std::uint32_t flags = 0;
+  std::memcpy(&flags, reinterpret_cast<const char*>(&state) + 8, sizeof flags);
+  EXPECT_EQ(flags & 0x7FFF, 0x1081u) << "binary, transmit continues on XOFF, RTS enabled";
+}
+
+TEST(SerialChannel, SetsBothTotalTimeoutsToFiveSeconds) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  const auto timeouts = LastSet<COMMTIMEOUTS>(port, "SetCommTimeouts");
+  EXPECT_EQ(timeouts.ReadIntervalTimeout, 0u);
+  EXPECT_EQ(timeouts.ReadTotalTimeoutMultiplier, 0u);
+  EXPECT_EQ(timeouts.ReadTotalTimeoutConstant, 5000u);
+  EXPECT_EQ(timeouts.WriteTotalTimeoutMultiplier, 0u);
+  EXPECT_EQ(timeouts.WriteTotalTimeoutConstant, 5000u);
+}
+
+TEST(SerialChannel, WaitsForReceivedCharactersAndErrors) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  EXPECT_TRUE(WaitUntil([&] { return port.world.Calls({"SetCommMask"}) == Calls{"SetCommMask(129)"}; }));
+}
+
+TEST(SerialChannel, OpensThePortItIsTold) {
+  Port port;
+  host::AttachPty("COMBT:");
+  ASSERT_TRUE(port.channel.Open(u"COMBT:"));
+  EXPECT_EQ(port.world.Calls({"CreateFileW"}), Calls{"CreateFileW(COMBT:, 3221225472, 0, null, 3, 0, null)"});
+}
+
+TEST(SerialChannel, IsNotOpenedTwice) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  EXPECT_TRUE(port.Open());
+  EXPECT_EQ(port.world.Calls({"CreateFileW", "SetCommState"}).size(), 2u);
+}
+
+TEST(SerialChannel, RunsTwoThreadsWhileOpen) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  EXPECT_EQ(host::LibraryThreads(), 2u);
+  port.channel.Close();
+  EXPECT_EQ(host::LibraryThreads(), 0u);
+}
+
+/// Opening fails without a trace, and succeeds once the call does.
+void ExpectOpenFailsWith(const std::string& call, std::uint64_t nth = 1) {
+  Port port;
+  const std::size_t handles = host::LibraryHandles();
+  {
+    const Failing fault(call, ERROR_GEN_FAILURE, nth);
+    EXPECT_FALSE(port.Open());
+  }
+  EXPECT_EQ(host::LibraryThreads(), 0u);
+  EXPECT_EQ(host::LibraryHandles(), handles);
+  EXPECT_TRUE(port.Open());
+}
+
+TEST(SerialChannel, DoesNotOpenAPortThatCannotBeHad) { ExpectOpenFailsWith("CreateFileW"); }
+TEST(SerialChannel, DoesNotOpenAPortWhoseStateCannotBeRead) { ExpectOpenFailsWith("GetCommState"); }
+TEST(SerialChannel, DoesNotOpenAPortWhoseStateCannotBeSet) { ExpectOpenFailsWith("SetCommState"); }
+TEST(SerialChannel, DoesNotOpenAPortWhoseTimeoutsCannotBeSet) { ExpectOpenFailsWith("SetCommTimeouts"); }
+TEST(SerialChannel, DoesNotOpenWithoutAReaderThread) { ExpectOpenFailsWith("CreateThread", 1); }
+TEST(SerialChannel, DoesNotOpenWithoutAWriterThread) { ExpectOpenFailsWith("CreateThread", 2); }
+
+TEST(SerialChannel, OpensThoughTheDriverKeepsItsOwnBuffers) {
+  Port port;
+  const Failing fault("SetupComm");
+  EXPECT_TRUE(port.Open());
+}
+
+TEST(SerialChannel, DoesNotOpenAPortThatIsInUse) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  SerialChannel other;
+  EXPECT_FALSE(other.Open(u"COM5:"));
+  EXPECT_EQ(host::LibraryThreads(), 2u);
+}
+
+TEST(SerialChannel, DoesNotOpenAPortThatIsNotThere) {
+  Port port;
+  EXPECT_FALSE(port.channel.Open(u"COM9:"));
+  EXPECT_EQ(host::LibraryThreads(), 0u);
+}
+
+// ---- Closing
+
+TEST(SerialChannel, AsksNothingOfThePlatformWhenClosedTwice) {
+  Port port;
+  port.channel.Close();
+  ASSERT_TRUE(port.Open());
+  port.channel.Close();
+  port.world.ForgetCalls();
+  port.channel.Close();
+  EXPECT_EQ(port.world.Calls(), Calls());
+}
+
+TEST(SerialChannel, EndsThePendingWaitByClearingTheMask) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  ASSERT_TRUE(WaitUntil([&] { return port.world.Calls({"SetCommMask"}).size() == 1; }));
+  port.channel.Close();
+  EXPECT_EQ(port.world.Calls({"SetCommMask"}).back(), "SetCommMask(0)");
+}
+
+TEST(SerialChannel, ClosesWhenItGoes) {
+  Port port;
+  const std::size_t handles = host::LibraryHandles();
+  {
+    SerialChannel channel;
+    ASSERT_TRUE(channel.Open(u"COM5:"));
+  }
+  EXPECT_EQ(host::LibraryThreads(), 0u);
+  EXPECT_EQ(host::LibraryHandles(), handles);
+}
+
+TEST(SerialChannel, OpensAgainAfterClosing) {
+  Port port;
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_TRUE(port.Open());
+    port.world.controller().Send("x");
+    port.channel.Close();
+  }
+  ASSERT_TRUE(port.Open());
+  port.channel.Write("y");
+  EXPECT_EQ(port.world.controller().Receive(1), "y");
+}
+
+TEST(SerialChannel, ClosesInTimeWhenTheControllerNeverReads) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  port.BlockWriter();
+  const auto start = std::chrono::steady_clock::now();
+  port.channel.Close();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(5900));
+}
+
+// ---- Receiving
+
+TEST(SerialChannel, HandsOverWhatTheControllerSends) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  port.world.controller().Send("first");
+  EXPECT_TRUE(port.receiver.Gets("first"));
+  port.world.controller().Send(std::string("\0\r\n\x11\x13\x03\x1A\xFF", 8));
+  EXPECT_TRUE(port.receiver.Gets(std::string("first\0\r\n\x11\x13\x03\x1A\xFF", 13)));
+}
+
+TEST(SerialChannel, HandsOverWhatWasSentBeforeThePortWasOpened) {
+  Port port;
+  port.world.controller().Send("early");
+  ASSERT_TRUE(port.Open());
+  EXPECT_TRUE(port.receiver.Gets("early"));
+}
+
+TEST(SerialChannel, LosesNothingOfALongStream) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  std::string sent;
+  for (int i = 0; i < 30000; ++i) sent += std::to_string(i) + ",";
+  port.world.controller().Send(sent);
+  EXPECT_TRUE(port.receiver.Gets(sent));
+}
+
+TEST(SerialChannel, DropsWhatComesWhile32768BytesWait) {
+  Port port;
+  port.receiver.LeaveBytes();
+  ASSERT_TRUE(port.Open());
+  port.world.controller().Send(std::string(32768, 'a') + std::string(60000, 'b'));
+  port.world.controller().WaitUntilRead();
+  std::string bytes;
+  port.channel.TakeReceived(bytes);
+  EXPECT_GE(bytes.size(), 32768u);
+  EXPECT_LT(bytes.size(), 60000u) << "one read beyond the limit at most";
+  EXPECT_EQ(bytes.substr(0, 32768), std::string(32768, 'a'));
+}
+
+TEST(SerialChannel, ReceivesAgainAfterAnOverflow) {
+  Port port;
+  port.receiver.LeaveBytes();
+  ASSERT_TRUE(port.Open());
+  port.world.controller().Send(std::string(100000, 'a'));
+  port.world.controller().WaitUntilRead();
+  std::string bytes;
+  port.channel.TakeReceived(bytes);
+  port.world.controller().Send("again");
+  std::string rest;
+  EXPECT_TRUE(WaitUntil([&] {
+    port.channel.TakeReceived(bytes);
+    rest += bytes;
+    return rest.size() >= 5 && rest.substr(rest.size() - 5) == "again";
+  }));
+}
+
+TEST(SerialChannel, ForgetsReceivedBytesWhenItIsClosed) {
+  Port port;
+  port.receiver.LeaveBytes();
+  ASSERT_TRUE(port.Open());
+  port.world.controller().Send("old");
+  port.world.controller().WaitUntilRead();
+  port.channel.Close();
+  std::string bytes = "mine";
+  port.channel.TakeReceived(bytes);
+  EXPECT_EQ(bytes, "");
+}
+
+// ---- Sending
+
+TEST(SerialChannel, SendsWhatIsWritten) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  port.channel.Write("one");
+  EXPECT_EQ(port.world.controller().Receive(3), "one");
+  port.channel.Write(std::string("\0\r\n\x11\x13\xFF", 6));
+  EXPECT_EQ(port.world.controller().Receive(6), std::string("\0\r\n\x11\x13\xFF", 6));
+}
+
+TEST(SerialChannel, DropsWhatIsWrittenWhileItIsClosed) {
+  Port port;
+  port.channel.Write("before");
+  ASSERT_TRUE(port.Open());
+  port.channel.Write("x");
+  EXPECT_EQ(port.world.controller().Receive(1), "x");
+  port.channel.Close();
+  port.channel.Write("between");
+  ASSERT_TRUE(port.Open());
+  port.channel.Write("y");
+  EXPECT_EQ(port.world.controller().Receive(1), "y");
+}
+
+TEST(SerialChannel, KeepsTheOrderOfManyWrites) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  std::string expected;
+  std::thread writer([&] {
+    for (int i = 0; i < 5000; ++i) port.channel.Write(std::to_string(i) + ",");
+  });
+  for (int i = 0; i < 5000; ++i) expected += std::to_string(i) + ",";
+  EXPECT_EQ(port.world.controller().Receive(expected.size()), expected);
+  writer.join();
+}
+
+TEST(SerialChannel, KeepsTheWritesOfSeveralThreadsWhole) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  const auto write = [&](char letter) {
+    for (int i = 0; i < 500; ++i) port.channel.Write(std::string(20, letter));
+  };
+  std::thread one([&] { write('a'); });
+  std::thread other([&] { write('b'); });
+  const std::string received = port.world.controller().Receive(20000);
+  one.join();
+  other.join();
+  EXPECT_EQ(std::count(received.begin(), received.end(), 'a'), 10000);
+  for (std::size_t i = 0; i < received.size(); i += 20) {
+    ASSERT_EQ(received.substr(i, 20), std::string(20, received[i])) << "at " << i;
+  }
+}
+
+TEST(SerialChannel, DropsWholeWritesWhenTheControllerLeavesTooMuchUnread) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  const std::string piece = std::string(999, 'x') + "|";
+  for (int i = 0; i < 1000; ++i) port.channel.Write(piece);
+  const std::string received = port.world.controller().ReceiveUntilQuiet(std::chrono::milliseconds(300));
+  EXPECT_GE(received.size(), SerialChannel::kTransmitLimit - piece.size());
+  EXPECT_LT(received.size(), 500000u);
+  EXPECT_EQ(received.size() % piece.size(), 0u);
+  EXPECT_EQ(std::count(received.begin(), received.end(), '|'), static_cast<long>(received.size() / piece.size()));
+}
+
+TEST(SerialChannel, HasRoomWhenTheControllerReads) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  const qxcm::Event give_up;
+  port.channel.WaitForRoom(give_up);
+  port.channel.Write(std::string(SerialChannel::kTransmitLimit, 'x'));
+  std::thread waiter([&] { port.channel.WaitForRoom(give_up); });
+  EXPECT_EQ(port.world.controller().Receive(SerialChannel::kTransmitLimit).size(), SerialChannel::kTransmitLimit);
+  waiter.join();
+}
+
+TEST(SerialChannel, StopsWaitingForRoomWhenToldToGiveUp) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  qxcm::Event give_up;
+  port.channel.Write(std::string(SerialChannel::kTransmitLimit, 'x'));
+  std::thread waiter([&] { port.channel.WaitForRoom(give_up); });
+  give_up.Set();
+  waiter.join();
+  port.world.controller().Receive(SerialChannel::kTransmitLimit);
+}
+
+TEST(SerialChannel, StopsWaitingForRoomWhenItIsClosed) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  const qxcm::Event give_up;
+  port.BlockWriter();
+  std::thread waiter([&] { port.channel.WaitForRoom(give_up); });
+  std::thread closer([&] { port.channel.Close(); });
+  port.world.controller().ReceiveUntilQuiet(std::chrono::milliseconds(100));  // lets the write in progress end
+  closer.join();
+  waiter.join();
+}
+
+// ---- Purging
+
+TEST(SerialChannel, PurgesBothWaysOfTheDriverAndItsOwnReceivedBytes) {
+  Port port;
+  port.receiver.LeaveBytes();
+  ASSERT_TRUE(port.Open());
+  port.world.controller().Send("old");
+  port.world.controller().WaitUntilRead();
+  port.channel.PurgeReceive();
+  std::string bytes;
+  port.channel.TakeReceived(bytes);
+  EXPECT_EQ(bytes, "");
+  EXPECT_EQ(port.world.Calls({"PurgeComm"}), (Calls{"PurgeComm(8)", "PurgeComm(4)"}));
+}
+
+TEST(SerialChannel, PurgesWhatTheDriverHasStillToSend) {
+  Port port;
+  ASSERT_TRUE(port.Open());
+  port.channel.PurgeTransmit();
+  EXPECT_EQ(port.world.Calls({"PurgeComm"}), Calls{"PurgeComm(4)"});
+}
+
+}  // namespace

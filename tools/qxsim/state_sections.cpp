@@ -1,0 +1,84 @@
+#include "qxsim/state_sections.h"
+
+#include <nlohmann/json.hpp>
+
+#include "api/diagnostics.h"
+#include "instrument/field_section.h"
+#include "instrument/measuring_sections.h"
+#include "posix/handles.h"
+#include "posix/ports.h"
+#include "posix/power.h"
+
+namespace qxsim {
+namespace {
+
+using host::instrument::BoolField;
+using host::instrument::ChoiceField;
+using host::instrument::Field;
+using host::instrument::FieldSection;
+using host::instrument::IntegerField;
+using host::instrument::Json;
+using host::instrument::ReadOnlyField;
+
+struct PowerName {
+  std::uint32_t state;
+  const char* name;
+};
+constexpr PowerName kPowerNames[] = {
+    {host::kPowerOn, "on"}, {host::kPowerSuspend, "suspend"}, {host::kPowerReset, "reset"}};
+
+std::string PowerText() {
+  const std::uint32_t state = host::PowerState();
+  for (const PowerName& known : kPowerNames) {
+    if (known.state == state) return known.name;
+  }
+  return std::to_string(state);
+}
+
+void SetPower(const std::string& name) {
+  for (const PowerName& known : kPowerNames) {
+    if (known.name == name) host::SetSystemPowerState(nullptr, known.state, 0);
+  }
+}
+
+std::vector<Field> SystemFields() {
+  return {ChoiceField("power", PowerText, SetPower, "on", {"on", "suspend", "reset"})};
+}
+
+std::vector<Field> EventWindowFields(Application& application) {
+  Field called = ReadOnlyField("previous_called", [&application] { return Json(application.previous_called()); });
+  called.reset = [&application] { application.ForgetPreviousCalls(); };
+  return {IntegerField(
+              "message", [&application] { return std::int64_t{application.event_message()}; },
+              [&application](std::int64_t message) {
+                application.NameEventWindow(static_cast<UINT>(message), application.event_window_exists());
+              },
+              kStandardEventMessage, 0, UINT32_MAX),
+          BoolField(
+              "exists", [&application] { return application.event_window_exists(); },
+              [&application](bool exists) { application.NameEventWindow(application.event_message(), exists); }, true),
+          ReadOnlyField("subclassed", [&application] { return Json(application.Subclassed()); }), called};
+}
+
+std::vector<Field> ResourceFields(Application& application) {
+  return {ReadOnlyField("handles", [] { return Json(host::LibraryHandles()); }),
+          ReadOnlyField("threads", [] { return Json(host::LibraryThreads()); }),
+          ReadOnlyField("services", [&application] { return Json(application.services().Open()); }),
+          ReadOnlyField("queued_commands", [] { return Json(qxcm::QueuedCommands()); })};
+}
+
+}  // namespace
+
+std::vector<std::unique_ptr<host::instrument::StateSection>> MakeStateSections(Application& application) {
+  std::vector<std::unique_ptr<host::instrument::StateSection>> sections = host::instrument::MakeMeasuringSections();
+  const auto add = [&sections](const char* name, std::vector<Field> fields) {
+    sections.push_back(std::make_unique<FieldSection>(name, std::move(fields)));
+  };
+  add("system", SystemFields());
+  add("event_window", EventWindowFields(application));
+  add("ports", {BoolField("shared", host::PortsShared, host::SharePorts, false)});
+  add("resources", ResourceFields(application));
+  return sections;
+}
+
+}  // namespace qxsim
