@@ -40,8 +40,14 @@ std::uint64_t DistanceMeter::Start(std::uint32_t mode, std::uint32_t target) {
 }
 
 void DistanceMeter::Stop() {
-  std::lock_guard guard(mutex_);
-  StopLocked();
+  {
+    std::lock_guard guard(mutex_);
+    StopLocked();
+    // Stopped from inside an event, the end is told before the call returns: no new measurement comes between.
+    if (end_announced_ || !IsEventWindowThread()) return;
+    end_announced_ = true;
+  }
+  DeliverEvents(kMeasurementEnded);
 }
 
 void DistanceMeter::StopUnlessStartedAnew(std::uint64_t start) {

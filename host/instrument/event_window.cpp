@@ -3,6 +3,7 @@
 #include <mutex>
 
 #include "posix/entry.h"
+#include "posix/threads.h"
 #include "posix/windows_messages.h"
 
 namespace host::instrument {
@@ -45,6 +46,11 @@ bool DeliverEvents(std::uint32_t mask) {
   if (!host::IsWindow(to.window)) return false;
   host::SendMessageW(to.window, to.message, mask, 0);
   return true;
+}
+
+bool IsEventWindowThread() {
+  const DWORD thread = host::GetWindowThreadProcessId(HandedOut().window, nullptr);
+  return thread != 0 && thread == host::GetCurrentThreadId();
 }
 
 UINT EventMessage() { return HandedOut().message; }

@@ -23,6 +23,9 @@ void SetEventWindow(HWND window, UINT message);
 /// has been handed out or it is gone. Any thread that does not keep the window's thread waiting.
 bool DeliverEvents(std::uint32_t mask);
 
+/// Whether the calling thread is the one that handles the events.
+bool IsEventWindowThread();
+
 /// The message number last handed out; 0 when none has been.
 UINT EventMessage();
 

@@ -71,13 +71,14 @@ void FocusSide::Change(const std::function<void(FocusBlockData&)>& change) {
   host::ReleaseMutex(block_mutex_);
 }
 
+// Under the lock as a whole: whoever sees the job in the block can complete it.
 void FocusSide::Start(bool automatic, Outcome outcome) {
+  const std::lock_guard<std::mutex> guard(mutex_);
   Change([&](FocusBlockData& block) {
     block.automatic = automatic ? 1 : 0;
     block.manual = automatic ? 0 : 1;
     block.failed = 0;
   });
-  std::lock_guard guard(mutex_);
   running_ = true;
   outcome_ = std::move(outcome);
   ++started_;

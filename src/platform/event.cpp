@@ -8,6 +8,7 @@ namespace qxcm {
 namespace {
 constexpr DWORD kLookAgain = 500;  // milliseconds, should the platform have refused to set an event
 constexpr DWORD kRetryPause = 5;   // milliseconds after a refusal
+constexpr int kModifyAttempts = 3;
 }  // namespace
 
 Event::Event(LPCWSTR name) : handle_(CreateEventW(nullptr, TRUE, FALSE, name)) {
@@ -16,12 +17,18 @@ Event::Event(LPCWSTR name) : handle_(CreateEventW(nullptr, TRUE, FALSE, name)) {
 
 void Event::Set() {
   set_.store(true, std::memory_order_release);
-  EventModify(handle_.get(), kEventSet);
+  Modify(kEventSet);
 }
 
 void Event::Reset() {
   set_.store(false, std::memory_order_release);
-  if (EventModify(handle_.get(), kEventReset) == FALSE) Sleep(kRetryPause);  // whoever finds it set shall not spin
+  Modify(kEventReset);
+}
+
+void Event::Modify(DWORD function) {
+  for (int attempt = 0; EventModify(handle_.get(), function) == FALSE && attempt < kModifyAttempts; ++attempt) {
+    Sleep(kRetryPause);
+  }
 }
 
 Woken WaitForEither(const Event& first, const Event& second) {

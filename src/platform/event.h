@@ -23,6 +23,8 @@ class Event {
   HANDLE handle() const { return handle_.get(); }
 
  private:
+  void Modify(DWORD function);
+
   Handle handle_;
   std::atomic<bool> set_{false};
 };

@@ -32,11 +32,21 @@ bool Thread::Start() {
   return false;
 }
 
-bool Thread::JoinFor(DWORD milliseconds) {
-  if (created() && !WaitLettingSentMessagesThrough(handle_.get(), milliseconds) && !finished()) {
-    Sleep(milliseconds == 0 ? 0 : kRetryPause);  // the platform may have refused the wait
-    return false;
+void Thread::Join() {
+  while (created() && !LetGo(WaitForSingleObject(handle_.get(), INFINITE) == WAIT_OBJECT_0)) {
+    Sleep(kRetryPause);  // the platform refused the wait
   }
+}
+
+bool Thread::JoinLettingSentMessagesThrough(DWORD milliseconds) {
+  if (!created() || LetGo(qxcm::WaitLettingSentMessagesThrough(handle_.get(), milliseconds))) return true;
+  if (milliseconds != 0) Sleep(1);  // no spinning should the platform have refused the wait
+  return false;
+}
+
+/// A body that has returned counts, whatever the wait for the thread said.
+bool Thread::LetGo(bool ended) {
+  if (!ended && !finished()) return false;
   handle_.Close();
   body_ = nullptr;
   return true;

@@ -28,16 +28,14 @@ class Thread {
   bool finished() const { return finished_.load(std::memory_order_acquire); }
   HANDLE handle() const { return handle_.get(); }
 
-  /// Waits until the body has returned, handling messages sent to the calling thread's windows meanwhile, and lets go
-  /// of the thread. Nothing to do when no thread was created.
-  void Join() {
-    while (!JoinFor(INFINITE)) {
-    }
-  }
-  /// The same, for so many milliseconds at most; false when the body has not returned by then.
-  bool JoinFor(DWORD milliseconds);
+  /// Waits until the body has returned and lets go of the thread. Nothing to do when no thread was created.
+  void Join();
+  /// The same, for so many milliseconds at most, while messages sent to the calling thread's windows are handled: for
+  /// threads that may be sending one. False when the body has not returned by then.
+  bool JoinLettingSentMessagesThrough(DWORD milliseconds);
 
  private:
+  bool LetGo(bool ended);
   static DWORD WINAPI Run(LPVOID self);
 
   std::function<void()> body_;

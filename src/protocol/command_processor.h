@@ -25,8 +25,9 @@ class CommandProcessor {
   bool Start();
   /// Tells the dispatcher to end after the command in hand.
   void RequestStop() { stop_.Set(); }
-  /// Waits for the dispatcher thread to end, so many milliseconds at most; whether it has.
-  bool JoinFor(DWORD milliseconds) { return thread_.JoinFor(milliseconds); }
+  /// Waits for the dispatcher thread to end, so many milliseconds at most, while messages sent to the calling thread's
+  /// windows are handled; whether it has ended.
+  bool JoinFor(DWORD milliseconds) { return thread_.JoinLettingSentMessagesThrough(milliseconds); }
   bool finished() const { return thread_.finished(); }
 
   /// Lets the tools commands through, for as long as the service is open.

@@ -1,5 +1,5 @@
-// Closing while the service is at work: keys, events, exports and sent notices in flight never keep a close from ending,
-// and a close never keeps them.
+// Closing while the service is at work: keys, events, exports and sent notices in flight never keep a close from
+// ending, and a close never keeps them.
 #include <QXCommMgr.h>
 #include <gtest/gtest.h>
 
@@ -158,6 +158,12 @@ TEST(Closing, LetsOtherServicesAnswerInTimeWhileItWaits) {
   EXPECT_EQ(closing.get(), QCM_OK);
 }
 
+/// What a window has held up of a closed service goes with the next open or close.
+void ExpectTheNextOpenAndCloseTidyUp() {
+  EXPECT_TRUE(WaitUntil([] { return host::LibraryThreads() == 0; }));
+  EXPECT_EQ(QCMCloseComm(QCMOpenComm(u"COM5:")), QCM_OK);
+}
+
 // ---- Notices sent to a window while its service is closed
 
 TEST(Closing, FromTheWindowsThreadWhileANoticeIsSentToItEnds) {
@@ -193,6 +199,7 @@ TEST(Closing, FromInsideTheHandlerOfANoticeEndsAtOnce) {
   EXPECT_TRUE(WaitUntil([&] { return result == QCM_OK; }));
   EXPECT_EQ(QCMCloseComm(service.handle()), QCM_NO_SERVICE);
   EXPECT_EQ(QCMCloseComm(QCMOpenComm(u"COM5:")), QCM_OK) << "the port is free";
+  ExpectTheNextOpenAndCloseTidyUp();
 }
 
 TEST(Closing, FromInsideAHandlerFreesThePortBeforeTheHandlerHasReturned) {
@@ -213,7 +220,7 @@ TEST(Closing, FromInsideAHandlerFreesThePortBeforeTheHandlerHasReturned) {
   notices.To(service);
   world.controller().Send(CommandFrame("GT_OMD"));
   done.Wait();
-  EXPECT_EQ(QCMCloseComm(QCMOpenComm(u"COM5:")), QCM_OK);
+  ExpectTheNextOpenAndCloseTidyUp();
 }
 
 /// A window that tells when it handles a notice and then waits for a word before it does its work.
@@ -233,7 +240,8 @@ struct SlowWindow {
 
 /// A command of `service` has sent a notice to a slow window, and another thread is closing the service.
 struct ClosedWhileHandled {
-  explicit ClosedWhileHandled(std::function<void()> work, const std::function<void()>& prepare = [] {})
+  explicit ClosedWhileHandled(
+      std::function<void()> work, const std::function<void()>& prepare = [] {})
       : slow(std::move(work)) {
     prepare();
     QCMRegisterNotifyWindow(service.handle(), slow.window.handle(), kNotice);
@@ -279,11 +287,12 @@ TEST(Closing, FromAnotherThreadEndsThoughTheHandlerOpensAService) {
 
 TEST(Closing, FromAnotherThreadEndsThoughTheHandlerClosesAnotherService) {
   QCM_HANDLE other = 0;
-  ClosedWhileHandled test([&] { EXPECT_EQ(QCMCloseComm(other), QCM_OK); }, [&] {
-    host::AttachPty("COMBT:");
-    other = QCMOpenComm(u"COMBT:");
-    EXPECT_NE(other, 0u);
-  });
+  ClosedWhileHandled test([&] { EXPECT_EQ(QCMCloseComm(other), QCM_OK); },
+                          [&] {
+                            host::AttachPty("COMBT:");
+                            other = QCMOpenComm(u"COMBT:");
+                            EXPECT_NE(other, 0u);
+                          });
   test.slow.go_on.Give();
   EXPECT_EQ(test.closing.get(), QCM_OK);
 }
@@ -305,6 +314,7 @@ TEST(Closing, ByManyThreadsAndFromTheHandlerAtOnceEnds) {
     QCMCloseComm(service.handle());
     one.get();
   }
+  ExpectTheNextOpenAndCloseTidyUp();
 }
 
 TEST(Closing, EndsThoughAWindowOfAnotherThreadDoesItForTheHandler) {
@@ -328,6 +338,7 @@ TEST(Closing, EndsThoughAWindowOfAnotherThreadDoesItForTheHandler) {
   world.controller().Send(CommandFrame("GT_OMD"));
   done.Wait();
   EXPECT_EQ(result, QCM_OK);
+  ExpectTheNextOpenAndCloseTidyUp();
 }
 
 }  // namespace

@@ -110,7 +110,8 @@ bool FocusWorker::Start(const FocusJob& job) {
 void FocusWorker::Stop() {
   Guard guard(lock_);
   stopping_ = true;
-  thread_.Join();
+  while (!thread_.JoinLettingSentMessagesThrough(INFINITE)) {
+  }
 }
 
 void FocusWorker::Run(const FocusJob& job) {

@@ -11,6 +11,8 @@ namespace qxcm {
 namespace {
 constexpr WCHAR kBlockName[] = TEXT("KORAX-HALVERN.RZM.CMemFocusDat");
 constexpr WCHAR kMutexName[] = TEXT("KORAX-HALVERN.RZM.CMemFocusMtx");
+constexpr int kReleaseTries = 20;
+constexpr DWORD kRetryPause = 5;  // milliseconds
 
 template <class Word>
 void WriteWord(std::byte* block, std::size_t offset, Word value) {
@@ -41,11 +43,15 @@ bool FocusBlock::Claim(HANDLE event) {
 }
 
 void FocusBlock::Release() noexcept {
-  try {
-    Guard guard(block_.mutex());
-    WriteWord(block_.bytes(), offsetof(FocusData, event), std::uint32_t{0});
-  } catch (const std::runtime_error&) {
-    // The platform refuses the mutex: without it the block is not touched.
+  // A block that stayed owned would refuse every later job of every process: a refused wait is tried again.
+  for (int tries = 0; tries < kReleaseTries; ++tries) {
+    try {
+      Guard guard(block_.mutex());
+      WriteWord(block_.bytes(), offsetof(FocusData, event), std::uint32_t{0});
+      return;
+    } catch (const std::runtime_error&) {
+      Sleep(kRetryPause);
+    }
   }
 }
 

@@ -182,14 +182,12 @@ void MeasuredData::SendDistance() {
   service_.SendAsynchronous(message.text());
 }
 
+// Under the lock as a whole: the controller may have the distance before the stop is called, and its next request must
+// not start a measurement that this stop ends.
 void MeasuredData::HandleDistanceReady() {
+  Guard guard(service_.lock());
   ReportDistance(Sending::kOn);
-  bool stop = false;
-  {
-    Guard guard(service_.lock());
-    stop = single_shot_;
-  }
-  if (stop) QxSystemStopDistance();
+  if (single_shot_) QxSystemStopDistance();
 }
 
 }  // namespace qxcm

@@ -24,7 +24,7 @@ struct Service {
   std::string Answer(std::string_view command) {
     const std::string answer = line.Exchange(command);
     if (answer == qxtest::kAck) return "ok";
-    const std::string text = answer.substr(2, answer.rfind('>') - 2);
+    const std::string text = answer.substr(2, answer.size() - 6);
     EXPECT_EQ(answer, ReplyFrame(text) + std::string(qxtest::kAck));
     return text;
   }
@@ -138,8 +138,8 @@ TEST(KeyReport, WritesAsManyDigitsAsTheCodeNeedsAndTwoAtLeast) {
   Service service;
   service.Answer("ST_OMD,KEY=1");
   for (const std::uint32_t code : {0u, 0xFFu, 0x100u, 0xFFFFFFFFu}) service.manager.HandleKey(code);
-  EXPECT_EQ(service.line.Take(), MessageFrame("MDT,KEY=00") + MessageFrame("MDT,KEY=FF") +
-                                     MessageFrame("MDT,KEY=100") + MessageFrame("MDT,KEY=FFFFFFFF"));
+  EXPECT_EQ(service.line.Take(), MessageFrame("MDT,KEY=00") + MessageFrame("MDT,KEY=FF") + MessageFrame("MDT,KEY=100") +
+                                     MessageFrame("MDT,KEY=FFFFFFFF"));
 }
 
 TEST(KeyReport, SendsNothingWhileSuspended) {
