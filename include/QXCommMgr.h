@@ -31,17 +31,17 @@ typedef char16_t QCM_WCHAR;
 typedef unsigned short QCM_WCHAR;
 #endif
 
-typedef unsigned int QCM_HANDLE;    /* an open service; 0 is none */
-typedef unsigned int QCM_UINT32;    /* 32 bits, unsigned */
-typedef int QCM_INT32;              /* 32 bits, signed */
-typedef void* QCM_WINDOW;           /* the platform's window handle (HWND) */
+typedef unsigned int QCM_HANDLE; /* an open service; 0 is none */
+typedef unsigned int QCM_UINT32; /* 32 bits, unsigned */
+typedef int QCM_INT32;           /* 32 bits, signed */
+typedef void* QCM_WINDOW;        /* the platform's window handle (HWND) */
 
 /* Result codes. */
 #define QCM_OK 0
-#define QCM_BAD_ARGUMENT (-1)       /* a missing or too small buffer, no window, a value out of range */
-#define QCM_PORT_FAILED (-12)       /* the port could not be reopened */
-#define QCM_NOTHING_RECORDED (-13)  /* no request of that kind, or a window that is not registered */
-#define QCM_NO_SERVICE (-14)        /* no such open service */
+#define QCM_BAD_ARGUMENT (-1)      /* a missing or too small buffer, no window, a value out of range */
+#define QCM_PORT_FAILED (-12)      /* the port could not be reopened */
+#define QCM_NOTHING_RECORDED (-13) /* no request of that kind, or a window that is not registered */
+#define QCM_NO_SERVICE (-14)       /* no such open service */
 
 /* Notices: wParam of the message a registered window receives. */
 #define QCM_NOTIFY_DISTANCE_REQUEST 256
@@ -57,12 +57,12 @@ typedef void* QCM_WINDOW;           /* the platform's window handle (HWND) */
 
 /* A distance measurement the controller asked for. */
 typedef struct QCM_MSR_PARAMS {
-  QCM_UINT32 mode;         /* 1, 2 or 3 */
-  QCM_UINT32 target;       /* 0 or 1 */
-  QCM_UINT32 single_shot;  /* 1: one measurement, 0: repeated */
-  QCM_UINT32 reserved;     /* 0 */
-  double offset;           /* added to every slope distance, metres */
-} QCM_MSR_PARAMS;          /* 24 bytes */
+  QCM_UINT32 mode;        /* 1, 2 or 3 */
+  QCM_UINT32 target;      /* 0 or 1 */
+  QCM_UINT32 single_shot; /* 1: one measurement, 0: repeated */
+  QCM_UINT32 reserved;    /* 0 */
+  double offset;          /* added to every slope distance, metres */
+} QCM_MSR_PARAMS;         /* 24 bytes */
 
 /* The program last started for the controller; both texts end in a zero. */
 typedef struct QCM_EXECUTED_PROCESS_INFO {

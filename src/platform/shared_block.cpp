@@ -15,22 +15,19 @@ NamedMutex::NamedMutex(LPCWSTR name) : mutex_(CreateMutexW(nullptr, FALSE, name)
   if (!mutex_) throw std::runtime_error("Mutex create failed.");
 }
 
-bool NamedMutex::Take(const Event* give_up) {
-  const HANDLE handles[] = {mutex_.get(), give_up == nullptr ? nullptr : give_up->handle()};
-  for (;;) {
-    switch (WaitForMultipleObjects(give_up == nullptr ? 1 : 2, handles, FALSE, kLookAgain)) {
-      case WAIT_OBJECT_0:
-      case WAIT_ABANDONED_0:
-        return true;
-      case WAIT_OBJECT_0 + 1:
-        return false;
-      case WAIT_TIMEOUT:
-        if (give_up != nullptr && give_up->WasSet()) return false;
-        break;
-      default:
-        throw std::runtime_error("Mutex wait failed.");
-    }
+void NamedMutex::Enter() {
+  const DWORD result = WaitForSingleObject(mutex_.get(), INFINITE);
+  if (result != WAIT_OBJECT_0 && result != WAIT_ABANDONED_0) throw std::runtime_error("Mutex wait failed.");
+}
+
+bool NamedMutex::EnterUnless(const Event& give_up) {
+  const HANDLE handles[] = {mutex_.get(), give_up.handle()};
+  while (!give_up.WasSet()) {
+    const DWORD result = WaitForMultipleObjects(2, handles, FALSE, kLookAgain);
+    if (result == WAIT_OBJECT_0 || result == WAIT_ABANDONED_0) return true;
+    if (result == WAIT_FAILED) throw std::runtime_error("Mutex wait failed.");
   }
+  return false;
 }
 
 void NamedMutex::Leave() {

@@ -18,14 +18,12 @@ class QXCM_CAPABILITY NamedMutex {
   explicit NamedMutex(LPCWSTR name);
 
   /// Waits without time-out. Throws std::runtime_error when the platform refuses the wait.
-  void Enter() QXCM_ACQUIRE() { Take(nullptr); }
+  void Enter() QXCM_ACQUIRE();
   /// The same, but false, without the mutex, once `give_up` is set.
-  bool EnterUnless(const Event& give_up) QXCM_ANNOTATION(try_acquire_capability(true)) { return Take(&give_up); }
+  bool EnterUnless(const Event& give_up) QXCM_ANNOTATION(try_acquire_capability(true));
   void Leave() QXCM_RELEASE();
 
  private:
-  bool Take(const Event* give_up);
-
   Handle mutex_;
 };
 

@@ -5,8 +5,8 @@
 #include <stddef.h>
 #include <string.h>
 
-#define EXPECT(condition) \
-  do {                    \
+#define EXPECT(condition)                \
+  do {                                   \
     if (!(condition)) return #condition; \
   } while (0)
 

@@ -37,7 +37,9 @@ TEST(ReaderThread, AnswersAnEnquiryWhileTheManagerLockIsHeld) {
   const OpenService service;
   const auto manager = service.manager();
   Guard hold(manager->lock());
-  world.controller().Send("\x05" "C<X>!\r");
+  world.controller().Send(
+      "\x05"
+      "C<X>!\r");
   EXPECT_EQ(world.controller().Receive(2), "\x06\x15");
 }
 
@@ -47,7 +49,11 @@ TEST(Suspending, EndsUnderAStormOfEnquiriesAndBadFrames) {
   const OpenService service;
   std::atomic<bool> stop{false};
   std::string storm;
-  for (int i = 0; i < 100; ++i) storm += "\x05" "C<GT_OMD>!\r" + CommandFrame("GT_OMD");
+  for (int i = 0; i < 100; ++i)
+    storm +=
+        "\x05"
+        "C<GT_OMD>!\r" +
+        CommandFrame("GT_OMD");
   std::thread sender([&] {
     while (!stop) world.controller().TrySend(storm);
   });

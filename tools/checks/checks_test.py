@@ -205,6 +205,13 @@ class ReportTest(unittest.TestCase):
     def test_a_run_without_a_record_has_failed(self):
         self.assertEqual(test_report.collect("asan", "no/such/file.xml")[0][:2], ("failed", "asan.ctest"))
 
+    def test_names_each_test_once_and_without_its_parameters(self):
+        with tempfile.NamedTemporaryFile("w", suffix=".xml") as junit:
+            case = '<testcase name="a.B/c  # GetParam() = 1" status="run"/>'
+            junit.write(f"<testsuite>{case}{case}</testsuite>")
+            junit.flush()
+            self.assertEqual(test_report.collect("asan", junit.name), [("passed", "asan.a.B/c", "")])
+
     def test_the_last_line_is_the_sum(self):
         rows = [("passed", "a", ""), ("skipped", "b", "no wine"), ("passed", "c", "")]
         lines, good = test_report.summary(rows)

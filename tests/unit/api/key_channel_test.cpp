@@ -185,7 +185,6 @@ TEST(KeyChannel, DeliversAKeyThoughTheMutexWasRefusedOnce) {
   EXPECT_EQ(keys.Delivered(2), (Codes{1, 2}));
 }
 
-
 TEST(KeyChannel, StopsThoughAnotherProcessKeepsTheMutex) {
   Watchdog watchdog;
   Keys keys;

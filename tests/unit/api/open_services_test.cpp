@@ -242,8 +242,8 @@ TEST(WindowListDeathTest, IsNotClearedWhenAnotherProcessHasMadeIt) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
-        const HANDLE block =
-            host::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 128, u"KORAX-HALVERN.RZM.CMemWndLst");
+        const HANDLE block = host::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 128,
+                                                      u"KORAX-HALVERN.RZM.CMemWndLst");
         std::memset(host::MapViewOfFile(block, FILE_MAP_ALL_ACCESS, 0, 0, 128), 0x5A, 128);
         World world;
         std::_Exit(host::SharedBlock(kWindowList) == std::vector<std::uint8_t>(128, 0x5A) ? 0 : 1);

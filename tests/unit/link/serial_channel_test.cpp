@@ -98,7 +98,8 @@ TEST(SerialChannel, SetsThePortUpInThisOrder) {
   port.channel.Close();
   Calls calls = port.world.Calls();
   for (std::string& call : calls) call = call.substr(0, call.find('('));
-  EXPECT_EQ(Calls(calls.begin(), calls.begin() + 4), (Calls{"CreateFileW", "SetupComm", "SetCommState", "SetCommTimeouts"}));
+  EXPECT_EQ(Calls(calls.begin(), calls.begin() + 4),
+            (Calls{"CreateFileW", "SetupComm", "SetCommState", "SetCommTimeouts"}));
 }
 
 TEST(SerialChannel, OpensThePortForReadingAndWritingWithoutSharing) {

@@ -46,7 +46,9 @@ TEST(CommandProcessor, AnswersATextWithoutAWordLikeAnUnknownOne) {
   EXPECT_EQ(service.Exchange(std::string("\0X", 2)), kUnknown);
 }
 
-TEST(CommandProcessor, AnswersAnUnknownWordWithBadFieldsAsUnknown) { EXPECT_EQ(Service().Exchange("GT_XYZ,A="), kUnknown); }
+TEST(CommandProcessor, AnswersAnUnknownWordWithBadFieldsAsUnknown) {
+  EXPECT_EQ(Service().Exchange("GT_XYZ,A="), kUnknown);
+}
 
 TEST(CommandProcessor, AcknowledgesASuccessWithoutAReply) { EXPECT_EQ(Service().Exchange("ST_OMD,ANG=1"), kDone); }
 

@@ -42,8 +42,9 @@ TEST(FrameAssembler, QueuesGoodCommandsWithoutAnAnswer) {
 
 TEST(FrameAssembler, AnswersEnquiriesAndWrongChecksumsInTheirOrder) {
   Receiver receiver;
-  receiver.line.Send("\x05"
-                     "C<GT_CLK>!\r\x05");
+  receiver.line.Send(
+      "\x05"
+      "C<GT_CLK>!\r\x05");
   EXPECT_EQ(receiver.line.Take(), std::string(kAck) + std::string(kNak) + std::string(kAck));
   EXPECT_EQ(receiver.Popped(), "(empty)");
 }

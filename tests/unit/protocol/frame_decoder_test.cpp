@@ -72,7 +72,9 @@ TEST(FrameDecoder, DiscardsThePartialFrameAtAnEnquiry) {
   EXPECT_EQ(Decode("C<GT_\x05" + CommandFrame("GT_CLK")), (Happenings{"ack", ":GT_CLK"}));
 }
 
-TEST(FrameDecoder, TakesTheRestOfAFrameBehindAnEnquiryAsNoise) { EXPECT_EQ(Decode("C<GT_\x05LK>0\r"), Happenings{"ack"}); }
+TEST(FrameDecoder, TakesTheRestOfAFrameBehindAnEnquiryAsNoise) {
+  EXPECT_EQ(Decode("C<GT_\x05LK>0\r"), Happenings{"ack"});
+}
 
 TEST(FrameDecoder, IgnoresAckAndNakBetweenFrames) {
   EXPECT_EQ(Decode("\x06\x15" + CommandFrame("A") + "\x15\x06"), Happenings{":A"});
@@ -90,7 +92,9 @@ TEST(FrameDecoder, GoesOnBehindAWrongChecksum) {
   EXPECT_EQ(Decode("C<GT_CLK>!\r" + CommandFrame("GT_CLK")), (Happenings{"nak", ":GT_CLK"}));
 }
 
-TEST(FrameDecoder, DoesNotCompareTheByteBeforeTheChecksum) { EXPECT_EQ(Decode(Checked("C<GT_CLK*")), Happenings{":GT_CLK"}); }
+TEST(FrameDecoder, DoesNotCompareTheByteBeforeTheChecksum) {
+  EXPECT_EQ(Decode(Checked("C<GT_CLK*")), Happenings{":GT_CLK"});
+}
 
 TEST(FrameDecoder, KeepsABracketInsideTheText) { EXPECT_EQ(Decode(CommandFrame("A>B<C")), Happenings{":A>B<C"}); }
 
@@ -161,7 +165,9 @@ TEST(FrameDecoder, LosesAFrameBeyondTheLimitAndTheByteThatDidNotFit) {
   EXPECT_EQ(Decode(full + "x" + CommandFrame("B")), Happenings{":B"});
 }
 
-TEST(FrameDecoder, ValidatesAFullFrameAtItsEnd) { EXPECT_EQ(Decode("C<" + std::string(8230, 'x') + "\r"), Happenings{"nak"}); }
+TEST(FrameDecoder, ValidatesAFullFrameAtItsEnd) {
+  EXPECT_EQ(Decode("C<" + std::string(8230, 'x') + "\r"), Happenings{"nak"});
+}
 
 TEST(FrameDecoder, IgnoresAckAndNakInAFullFrame) {
   std::string frame = FrameOf(8232);
@@ -183,13 +189,13 @@ TEST(FrameDecoder, SurvivesMegabytesWithoutAFrameEnd) {
 /// Pieces of which streams are made: frames good and bad, control bytes, noise.
 rc::Gen<std::string> Piece() {
   const auto text = rc::gen::container<std::string>(rc::gen::elementOf(std::string("AC<>,=\\x\0", 9)));
-  return rc::gen::oneOf(
-      rc::gen::map(text, [](const std::string& inside) { return CommandFrame(inside); }),
-      rc::gen::map(text, [](const std::string& inside) { return "C<" + inside + ">!\r"; }),
-      rc::gen::map(text, [](const std::string& inside) { return Checked("R<" + inside + ">"); }), text,
-      rc::gen::container<std::string>(rc::gen::elementOf(std::string("\x05\x06\x15\r\nC<"))),
-      rc::gen::arbitrary<std::string>(),
-      rc::gen::map(rc::gen::inRange(8200, 8260), [](int size) { return FrameOf(static_cast<std::size_t>(size)); }));
+  return rc::gen::oneOf(rc::gen::map(text, [](const std::string& inside) { return CommandFrame(inside); }),
+                        rc::gen::map(text, [](const std::string& inside) { return "C<" + inside + ">!\r"; }),
+                        rc::gen::map(text, [](const std::string& inside) { return Checked("R<" + inside + ">"); }),
+                        text, rc::gen::container<std::string>(rc::gen::elementOf(std::string("\x05\x06\x15\r\nC<"))),
+                        rc::gen::arbitrary<std::string>(), rc::gen::map(rc::gen::inRange(8200, 8260), [](int size) {
+                          return FrameOf(static_cast<std::size_t>(size));
+                        }));
 }
 
 std::string Stream() {
