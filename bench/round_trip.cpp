@@ -14,7 +14,6 @@
 #include "link/serial_channel.h"
 #include "posix/ports.h"
 #include "protocol/frame.h"
-#include "pty_pair.h"
 #include "reference_programs.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
@@ -60,11 +59,11 @@ void Measure(benchmark::State& state, Work work) {
 
 /// Round trips over the line at `path`.
 void Exchange(benchmark::State& state, const std::string& path) {
-  qxbench::Controller controller(path);
+  qxtest::Controller controller(path);
   const std::string request = Request();
   Measure(state, [&] {
     controller.Send(request);
-    controller.AwaitAcks(1);
+    controller.ReceiveAcks(1);
   });
 }
 
@@ -95,17 +94,17 @@ void EventLibrary(benchmark::State& state) {
   const QCM_HANDLE service = QCMOpenComm(u"COM5:");
   if (service == 0) state.SkipWithError("the service cannot be opened");
   {
-    qxbench::Controller controller(path);
+    qxtest::Controller controller(path);
     std::string modes = "C<ST_OMD,ANG=1,TLT=1,DST=1,KEY=1>";
     modes.push_back(qxcm::Checksum(modes));
     controller.Send(modes + qxcm::kCr);
-    controller.AwaitAcks(1);
+    controller.ReceiveAcks(1);
     double angle = 0.0;
     Measure(state, [&] {
       angle = angle < 6.0 ? angle + 0.0001 : 0.0;  // radians: always another second of arc
       host::instrument::Angles::Instance().Change([&](auto& pose) { pose.haf = angle; });
       PostMessageW(window.handle(), qxtest::kEventMessage, kAngleEvent, 0);
-      controller.Await(qxcm::kCr, 1);
+      controller.ReceiveFrame();
     });
   }
   QCMCloseComm(service);

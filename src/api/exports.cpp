@@ -73,7 +73,7 @@ QCM_INT32 QCMGetPortName(QCM_HANDLE handle, QCM_WCHAR* buffer, QCM_UINT32 buffer
   if (room > 0) buffer[0] = 0;
   return WithService(handle, [&](CommManager& manager) {
     const qxcm::WideText& name = manager.port_name();
-    if (name.size() + 1 > room) return QCM_BAD_ARGUMENT;
+    if (name.size() >= room) return QCM_BAD_ARGUMENT;
     name.copy(buffer, name.size());
     buffer[name.size()] = 0;
     return QCM_OK;

@@ -1,5 +1,5 @@
 // Frames of the link, both ways: type letter, "<", text, ">", checksum character, CR. docs/wire.md has examples;
-// FrameDecoder (frame_assembler.h) reads what ComposeFrame's counterpart on the controller writes.
+// FrameDecoder (frame_decoder.h) reads what ComposeFrame's counterpart on the controller writes.
 #ifndef QXCM_PROTOCOL_FRAME_H
 #define QXCM_PROTOCOL_FRAME_H
 

@@ -1,65 +1,29 @@
 // What goes over the line of a running qxsim, byte for byte.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <termios.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <string>
 
 #include "support/qxsim_process.h"
+#include "support/test_application.h"
 
 namespace {
 
-using std::chrono::steady_clock;
+using std::chrono::milliseconds;
 
-constexpr char kAck = 0x06;
-constexpr std::chrono::seconds kPatience{10};
-constexpr int kSilenceMs = 200;
+constexpr milliseconds kSilence{200};
 
 class Bytes : public testing::Test {
  protected:
-  Bytes() : qxsim_({"--still"}), line_(open(qxsim_.port().c_str(), O_RDWR | O_NOCTTY)) {
-    termios settings;
-    tcgetattr(line_, &settings);
-    cfmakeraw(&settings);
-    tcsetattr(line_, TCSANOW, &settings);
-  }
-  ~Bytes() override { close(line_); }
-
-  void Send(std::string_view bytes) {
-    while (!bytes.empty()) {
-      const auto sent = write(line_, bytes.data(), bytes.size());
-      ASSERT_GT(sent, 0);
-      bytes.remove_prefix(static_cast<std::size_t>(sent));
-    }
-  }
-
-  /// So many bytes, or what has come when the time is over.
-  std::string Read(std::size_t count) {
-    std::string bytes;
-    const auto deadline = steady_clock::now() + kPatience;
-    while (bytes.size() < count && steady_clock::now() < deadline) bytes += ReadWithin(kSilenceMs);
-    return bytes;
-  }
-  /// What comes within a while of silence.
-  std::string ReadWithin(int milliseconds) {
-    pollfd ready = {line_, POLLIN, 0};
-    if (poll(&ready, 1, milliseconds) <= 0) return {};
-    char buffer[4096];
-    const auto got = read(line_, buffer, sizeof buffer);
-    return {buffer, static_cast<std::size_t>(got > 0 ? got : 0)};
-  }
   /// Sends, and what comes back must be these bytes and no more.
-  void Exchange(std::string_view sent, const std::string& expected) {
-    Send(sent);
-    EXPECT_EQ(Read(expected.size()), expected);
-    EXPECT_EQ(ReadWithin(kSilenceMs), "");
+  void Exchange(const std::string& sent, const std::string& expected) {
+    controller_.Send(sent);
+    EXPECT_EQ(controller_.Receive(expected.size()), expected);
+    EXPECT_EQ(controller_.ReceiveUntilQuiet(kSilence), "");
   }
 
-  qxtest::QxsimProcess qxsim_;
-  int line_;
+  qxtest::QxsimProcess qxsim_{{"--still"}};
+  qxtest::Controller controller_{qxsim_.port()};
 };
 
 std::string Times(int count, const std::string& text) {
@@ -83,7 +47,7 @@ TEST_F(Bytes, AFailureIsAnsweredWithChecksum5AndOneAck) {
 TEST_F(Bytes, TheSameKeyTwiceIsAParameterError) { Exchange("C<GT_OMD,KEY,KEY>!\r", "R<ER_PRM>Q\r\x06"); }
 
 TEST_F(Bytes, EnquiryInTheMiddleOfAFrameIsAnsweredWithOneAck) {
-  Exchange("C<GT_OMD,\x05", std::string(1, kAck));
+  Exchange("C<GT_OMD,\x05", "\x06");
   Exchange("KEY>L\r", "");
   Exchange(kQuery, kAnswer);
 }
@@ -96,10 +60,10 @@ TEST_F(Bytes, AnEscapedCommaStaysInItsValue) { Exchange("C<GT_OMD,KEY=a\\,b\\\\>
 
 TEST_F(Bytes, ACommandMayComeByteByByte) {
   for (const char byte : kQuery) {
-    Send({&byte, 1});
-    EXPECT_EQ(ReadWithin(byte == '\r' ? 0 : 2), "");
+    EXPECT_EQ(controller_.ReceiveUntilQuiet(milliseconds(2)), "");
+    controller_.Send({&byte, 1});
   }
-  EXPECT_EQ(Read(kAnswer.size()), kAnswer);
+  EXPECT_EQ(controller_.Receive(kAnswer.size()), kAnswer);
 }
 
 TEST_F(Bytes, AHundredCommandsMayComeInOneWrite) { Exchange(Times(100, kQuery), Times(100, kAnswer)); }

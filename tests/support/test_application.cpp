@@ -180,6 +180,11 @@ std::string Controller::ReceiveAcks(std::size_t acks) {
   return ReceiveUntil(enough, kPatience);
 }
 
+std::string Controller::ReceiveFrame() {
+  return ReceiveUntil([](const std::string& received) { return !received.empty() && received.back() == '\r'; },
+                      kPatience);
+}
+
 std::string Controller::ReceiveUntilQuiet(std::chrono::milliseconds quiet) {
   return ReceiveUntil([](const std::string&) { return false; }, quiet);
 }

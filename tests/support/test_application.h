@@ -91,6 +91,8 @@ class Controller {
   /// What comes until there are so many bytes, or so many ACKs; after some seconds what has come until then.
   std::string Receive(std::size_t bytes);
   std::string ReceiveAcks(std::size_t acks);
+  /// What comes up to the end of a frame.
+  std::string ReceiveFrame();
   /// What comes until nothing has come for this long.
   std::string ReceiveUntilQuiet(std::chrono::milliseconds quiet);
   /// Sends a command and returns all that comes until its ACK.

@@ -16,6 +16,7 @@
 #include "instrument/keys.h"
 #include "posix/handles.h"
 #include "posix/ports.h"
+#include "posix/windows_messages.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 #include "threads/open_service.h"
@@ -162,6 +163,22 @@ TEST(Closing, LetsOtherServicesAnswerInTimeWhileItWaits) {
 void ExpectTheNextOpenAndCloseTidyUp() {
   EXPECT_TRUE(WaitUntil([] { return host::LibraryThreads() == 0; }));
   EXPECT_EQ(QCMCloseComm(QCMOpenComm(u"COM5:")), QCM_OK);
+}
+
+TEST(Closing, LetsSentMessagesThroughInTimeWhileItWaitsForTheWriterThread) {
+  Watchdog watchdog;
+  World world;
+  const OpenService service;
+  service.manager()->SendAsynchronous(std::string(100000, 'x'));
+  EXPECT_NE(world.controller().Receive(1), "");  // and no more: the writer thread is stuck for seconds
+  TestWindow window([](UINT, WPARAM, LPARAM) -> LRESULT { return 5; });
+  auto closing = window.Start([&] { EXPECT_EQ(QCMCloseComm(service.handle()), QCM_OK); });
+  ASSERT_TRUE(service.IsBeingClosed());
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(host::SendMessageW(window.handle(), kNotice, 0, 0), 5);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+  world.controller().ReceiveUntilQuiet(milliseconds(100));
+  closing.get();
 }
 
 // ---- Notices sent to a window while its service is closed
@@ -329,7 +346,7 @@ TEST(Closing, EndsThoughAWindowOfAnotherThreadDoesItForTheHandler) {
   });
   Signal done;
   TestWindow window([&](UINT, WPARAM, LPARAM) -> LRESULT {
-    SendMessageW(helper.handle(), kNotice, 0, 0);
+    host::SendMessageW(helper.handle(), kNotice, 0, 0);
     done.Give();
     return 0;
   });

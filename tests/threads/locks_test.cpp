@@ -12,6 +12,7 @@
 #include "instrument/keys.h"
 #include "posix/handles.h"
 #include "posix/ports.h"
+#include "posix/windows_messages.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 #include "threads/open_service.h"
@@ -191,7 +192,7 @@ TEST(Opening, LetsSentMessagesThroughToTheThreadThatWaitsForAClose) {
   ASSERT_TRUE(service.IsBeingClosed());
   TestWindow window([](UINT, WPARAM, LPARAM) -> LRESULT { return 5; });
   auto opening = window.Start([] { QCMCloseComm(QCMOpenComm(u"COM5:")); });
-  EXPECT_EQ(SendMessageW(window.handle(), kNotice, 0, 0), 5);
+  EXPECT_EQ(host::SendMessageW(window.handle(), kNotice, 0, 0), 5);
   EXPECT_EQ(closing.wait_for(milliseconds(0)), std::future_status::timeout) << "the close was still waiting";
   world.controller().ReceiveUntilQuiet(milliseconds(100));
   EXPECT_EQ(closing.get(), QCM_OK);
@@ -212,7 +213,7 @@ TEST(Opening, FromAWindowThatHandlesAMessageDuringTheLastCloseKeepsTheKeys) {
       return 0;
     });
     auto closing = window.Start([&] { QCMCloseComm(service.handle()); });
-    SendMessageW(window.handle(), kNotice, 0, 0);
+    host::SendMessageW(window.handle(), kNotice, 0, 0);
     closing.get();
     EXPECT_EQ(host::LibraryThreads(), 4u) << "a service has its keys";
     QCMCloseComm(next);

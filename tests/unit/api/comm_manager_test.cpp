@@ -10,6 +10,7 @@
 
 #include "QXCommMgr.h"
 #include "link/comm_io_exception.h"
+#include "posix/calls.h"
 #include "posix/handles.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
@@ -213,6 +214,22 @@ TEST(CommManager, ClosesThePortWhenItGoes) {
   MemoryLine line;
   { CommManager manager(u"COM5:", line.MakeLink()); }
   EXPECT_FALSE(line.is_open());
+}
+
+TEST(CommManager, FinishesTheCommandInHandBeforeItClosesThePort) {
+  MemoryLine line;
+  host::Fault slow;
+  slow.library = "COREDLL";
+  slow.call = "SystemIdleTimerReset";  // made by every command, before its handler
+  slow.delay_ms = 60;
+  host::AddFault(slow);
+  {
+    CommManager manager(u"COM5:", line.MakeLink());
+    line.Send(CommandFrame("GT_OMD"));
+    EXPECT_TRUE(qxtest::WaitUntil([&] { return manager.processor().commands().size() == 0; }));
+  }
+  host::ClearFaults();
+  EXPECT_EQ(line.Take(), ReplyFrame("OMD") + std::string(kAck));
 }
 
 TEST(CommManager, MayGoWhileSuspended) {

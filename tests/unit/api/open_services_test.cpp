@@ -271,18 +271,18 @@ TEST(WindowListDeathTest, LetsNoServiceOpenWithoutItAndIsTriedAgain) {
 TEST(QCMOpenComm, ReportsKeysToEveryServiceThatAsksForThem) {
   World world;
   Controller bluetooth(host::AttachPty("COMBT:"));
-  const QCM_HANDLE cable = QCMOpenComm(u"COM5:");
   const QCM_HANDLE radio = QCMOpenComm(u"COMBT:");
+  const QCM_HANDLE cable = QCMOpenComm(u"COM5:");  // comes after the other when a key is delivered
   world.controller().Exchange("ST_OMD,KEY=1");
   host::instrument::KeyProcess keys;
   keys.Announce({0x0A}, qxtest::kPatience);
-  EXPECT_EQ(world.controller().Receive(14), qxtest::MessageFrame("MDT,KEY=0A"));
+  EXPECT_EQ(world.controller().Receive(15), qxtest::MessageFrame("MDT,KEY=0A"));
   EXPECT_EQ(bluetooth.Exchange("ST_OMD,KEY=1"), kAck) << "no key came before";
   keys.Announce({0x0B}, qxtest::kPatience);
-  EXPECT_EQ(world.controller().Receive(14), qxtest::MessageFrame("MDT,KEY=0B"));
-  EXPECT_EQ(bluetooth.Receive(14), qxtest::MessageFrame("MDT,KEY=0B"));
-  QCMCloseComm(cable);
+  EXPECT_EQ(world.controller().Receive(15), qxtest::MessageFrame("MDT,KEY=0B"));
+  EXPECT_EQ(bluetooth.Receive(15), qxtest::MessageFrame("MDT,KEY=0B"));
   QCMCloseComm(radio);
+  QCMCloseComm(cable);
 }
 
 TEST(QCMOpenComm, RunsOneKeyThreadBesideThreeThreadsAService) {

@@ -109,7 +109,7 @@ TEST(NamedMutex, ThrowsWhenThePlatformRefusesTheWait) {
   NamedMutex mutex(kMutex);
   const Failing fault("WaitForSingleObject", ERROR_INVALID_HANDLE, 1, qxtest::kForGood);
   const Failing waits("WaitForMultipleObjects", ERROR_INVALID_HANDLE, 1, qxtest::kForGood);
-  EXPECT_THROW(mutex.Enter(), std::runtime_error);
+  EXPECT_THROW(Guard guard(mutex), std::runtime_error);
 }
 
 }  // namespace

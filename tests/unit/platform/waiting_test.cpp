@@ -84,8 +84,9 @@ TEST(WaitLettingSentMessagesThrough, DoesNotTakeARefusedWaitForASignal) {
 
 TEST(WindowSafeLock, MayBeTakenAgainByItsHolder) {
   WindowSafeLock lock;
+  const auto take_again = [&] { Guard inner(lock); };
   Guard outer(lock);
-  Guard inner(lock);
+  take_again();
   SUCCEED();
 }
 
