@@ -14,7 +14,7 @@ namespace {
 
 constexpr WCHAR kBluetoothPort[] = TEXT("COMBT:");
 constexpr WCHAR kCablePort[] = TEXT("COM5:");
-constexpr DWORD kLookAgain = 50;        // milliseconds between looks at a dispatcher that shall end
+constexpr DWORD kLookAgain = 10;        // milliseconds between looks at a dispatcher that shall end
 constexpr DWORD kLongestNotice = 5000;  // milliseconds that a window may take while its service is closed
 
 WideText NormalisedPortName(LPCWSTR name) {
@@ -48,7 +48,10 @@ CommManager::~CommManager() {
 void CommManager::Shutdown() {
   assembler_.Stop();
   processor_.RequestStop();
+  // The command in hand is finished before the port is closed, unless a window holds it up.
+  while (!processor_.JoinFor(0) && !notify_list_.IsSending()) processor_.JoinFor(kLookAgain);
   Guard guard(lock_);
+  link_->LetSentMessagesThroughWhenClosing();
   CloseLink();
 }
 

@@ -35,7 +35,8 @@ class CommManager final : public Service {
   void MarkClosing() { closing_.store(true, std::memory_order_release); }
   bool closing() const { return closing_.load(std::memory_order_acquire); }
 
-  /// Closes the link and tells the dispatcher to end. May take as long as a write in progress.
+  /// Tells the dispatcher to end, waits until it has or until a window holds it up, and closes the link. May take as
+  /// long as a command and a write in progress; messages sent to the calling thread's windows are handled meanwhile.
   void Shutdown();
   /// After Shutdown: waits until the service's threads have ended; messages sent to the calling thread's windows are
   /// handled meanwhile. False when the dispatcher waits for a window to handle a notice, and that window is the calling

@@ -50,7 +50,13 @@ class Link {
     owner_ = owner;
   }
 
+  /// From now on closing handles messages sent to the calling thread's windows while it waits. For a link that is
+  /// closed for good: a window that ran in the middle of a suspension would find its service half suspended.
+  void LetSentMessagesThroughWhenClosing() { lets_sent_messages_through_ = true; }
+
  protected:
+  bool lets_sent_messages_through() const { return lets_sent_messages_through_; }
+
   /// Tells the owner, if there is one.
   void TellOwner() {
     LinkOwner* owner = nullptr;
@@ -62,6 +68,7 @@ class Link {
   }
 
  private:
+  bool lets_sent_messages_through_ = false;  // set and looked at by whoever closes
   Lock owner_lock_;
   LinkOwner* owner_ QXCM_GUARDED_BY(owner_lock_) = nullptr;
 };

@@ -75,7 +75,7 @@ bool SerialChannel::StartThreads() {
 
 void SerialChannel::StopThreads() {
   stop_.Set();
-  writer_.Join();
+  Join(writer_);
   EndReader();
 }
 
@@ -87,7 +87,13 @@ void SerialChannel::EndReader() {
     if (WaitForSingleObject(reader_.handle(), kMaskRepeat) == WAIT_FAILED) Sleep(kMaskRepeat);
   }
   if (!reader_.finished()) port_.Close();
-  reader_.Join();
+  Join(reader_);
+}
+
+void SerialChannel::Join(Thread& thread) {
+  if (!lets_sent_messages_through()) return thread.Join();
+  while (!thread.JoinLettingSentMessagesThrough(INFINITE)) {
+  }
 }
 
 void SerialChannel::Close() {

@@ -46,6 +46,7 @@ class SerialChannel final : public Link {
   void StopThreads();
   void Purge(bool receive);
   void EndReader();
+  void Join(Thread& thread);
   void ReadLoop(HANDLE port);
   bool ReceiveWaiting(HANDLE port);
   void WriteLoop(HANDLE port);
