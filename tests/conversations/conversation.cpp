@@ -155,20 +155,43 @@ class Runner {
 
   void SeeState(std::string text) {
     const std::string pointer = TakeWord(text);
-    const Json value = world_.Ask("GET", "/state", {}).at(Json::json_pointer(pointer));
-    if (value != Json::parse(text)) throw Failure("state " + pointer + " is " + value.dump());
+    const Json expected = Json::parse(text);
+    Json value;
+    const bool holds = Within([&] {
+      value = world_.Ask("GET", "/state", {}).at(Json::json_pointer(pointer));
+      return value == expected;
+    });
+    if (!holds) throw Failure("state " + pointer + " is " + value.dump());
   }
 
   void SeeCalls(std::string text) {
     const std::string library = TakeWord(text);
     const std::string call = TakeWord(text);
+    int count = 0;
+    const bool holds = Within([&] {
+      count = CountCalls(library, call);
+      return std::to_string(count) == text;
+    });
+    if (!holds) throw Failure(call + " has been called " + std::to_string(count) + " times");
+  }
+
+  int CountCalls(const std::string& library, const std::string& call) {
     const Json calls = world_.Ask("GET", "/calls?since=" + std::to_string(calls_begin_), {})["calls"];
     int count = 0;
     for (const Json& one : calls) {
       const std::string name = one["call"].is_string() ? one["call"].get<std::string>() : one["call"].dump();
       count += one["library"] == library && name == call ? 1 : 0;
     }
-    if (std::to_string(count) != text) throw Failure(call + " has been called " + std::to_string(count) + " times");
+    return count;
+  }
+
+  /// Whether the condition comes to hold while one waits for it.
+  static bool Within(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + kPatience;
+    while (!condition()) {
+      if (std::chrono::steady_clock::now() > deadline) return false;
+    }
+    return true;
   }
 
   Controller& controller_;

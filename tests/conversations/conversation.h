@@ -7,8 +7,8 @@
 //   ! tools-mode on    the world acts: tools-mode on | suspend | resume | window | key N ... | event MASK |
 //                      set STATE-PATCH | fault FAULT | no-faults | METHOD PATH BODY (of the API)
 //   ? notice CODE DETAIL            the next notice that the application's window has got
-//   ? state POINTER VALUE           a value of the state (JSON pointer, JSON)
-//   ? calls LIBRARY CALL COUNT      how often a platform call has been made since the beginning
+//   ? state POINTER VALUE           a value that the state has, or comes to have soon (JSON pointer, JSON)
+//   ? calls LIBRARY CALL COUNT      how often a platform call has been made since the beginning, now or soon
 //
 // A conversation runs on a fresh instrument; whatever the instrument sends must be named, in its order.
 #ifndef QXTEST_CONVERSATIONS_CONVERSATION_H

@@ -112,6 +112,11 @@ TEST(Storm, OfSuspendsAndCommandsOnOneServiceLosesNoAnswerAfterwards) {
   storm.Add([] { host::instrument::DeliverEvents(1); });
   storm.Blow();
   EXPECT_EQ(QCMResumeComm(service.handle()), QCM_OK);
+  // What the storm has left is handled first: a full command queue would lose what comes next.
+  EXPECT_TRUE(qxtest::WaitUntil([&] {
+    world.controller().ReceiveUntilQuiet(milliseconds(10));
+    return qxcm::QueuedCommands() == 0;
+  }));
   world.controller().Send("\r" + CommandFrame("ST_OMD,KEY=0"));
   world.controller().ReceiveUntilQuiet(milliseconds(300));
   EXPECT_EQ(world.controller().Exchange("GT_OMD,KEY"), qxtest::ReplyFrame("OMD,KEY=0") + std::string(qxtest::kAck));
