@@ -12,7 +12,7 @@
 #include "instrument/angles.h"
 #include "instrument/event_window.h"
 #include "link/serial_channel.h"
-#include "posix/ports.h"
+#include "posix/ports/ports.h"
 #include "protocol/frame.h"
 #include "reference_programs.h"
 #include "support/memory_link.h"

@@ -156,6 +156,7 @@ typedef struct _OVERLAPPED {
 #define GENERIC_WRITE 0x40000000u
 #define FILE_SHARE_READ 0x1u
 #define FILE_SHARE_WRITE 0x2u
+#define CREATE_NEW 1u
 #define OPEN_EXISTING 3u
 #define FILE_ATTRIBUTE_NORMAL 0x80u
 HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,
@@ -297,18 +298,6 @@ void WINAPI PostQuitMessage(int code);
 DWORD WINAPI MsgWaitForMultipleObjectsEx(DWORD count, const HANDLE* objects, DWORD milliseconds, DWORD wake_mask,
                                          DWORD flags);
 
-// Calendar time.
-typedef struct _SYSTEMTIME {
-  WORD wYear;
-  WORD wMonth;
-  WORD wDayOfWeek;
-  WORD wDay;
-  WORD wHour;
-  WORD wMinute;
-  WORD wSecond;
-  WORD wMilliseconds;
-} SYSTEMTIME, *PSYSTEMTIME, *LPSYSTEMTIME;
-
 // Text.
 #define CP_ACP 0u
 #define MB_PRECOMPOSED 0x00000001u
@@ -321,5 +310,12 @@ DWORD WINAPI CharUpperBuffW(LPWSTR text, DWORD length);
 #ifdef __cplusplus
 }
 #endif
+
+// The rest, by subject. Each needs the types above.
+#include "windows_files.h"
+#include "windows_processes.h"
+#include "windows_registry.h"
+#include "windows_time.h"
+#include "windows_version.h"
 
 #endif

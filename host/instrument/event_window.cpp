@@ -2,9 +2,9 @@
 
 #include <mutex>
 
-#include "posix/entry.h"
-#include "posix/threads.h"
-#include "posix/windows_messages.h"
+#include "posix/calls/entry.h"
+#include "posix/sync/threads.h"
+#include "posix/windows/windows_messages.h"
 
 namespace host::instrument {
 namespace {

@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "instrument/system_calls.h"
-#include "posix/handles.h"
-#include "posix/shared_memory.h"
-#include "posix/sync.h"
+#include "posix/kernel/handles.h"
+#include "posix/kernel/shared_memory.h"
+#include "posix/sync/sync.h"
 
 namespace host::instrument {
 

@@ -2,10 +2,10 @@
 
 #include <stdexcept>
 
-#include "posix/handles.h"
-#include "posix/shared_memory.h"
-#include "posix/sync.h"
-#include "posix/threads.h"
+#include "posix/kernel/handles.h"
+#include "posix/kernel/shared_memory.h"
+#include "posix/sync/sync.h"
+#include "posix/sync/threads.h"
 
 namespace host::instrument {
 namespace {

@@ -4,9 +4,9 @@
 
 #include <future>
 
-#include "posix/handles.h"
-#include "posix/sync.h"
-#include "posix/utf.h"
+#include "posix/kernel/handles.h"
+#include "posix/sync/sync.h"
+#include "posix/text/utf.h"
 
 namespace host::instrument {
 namespace {

@@ -9,7 +9,7 @@
 #include <initializer_list>
 #include <type_traits>
 
-#include "posix/entry.h"
+#include "posix/calls/entry.h"
 
 extern "C" {
 

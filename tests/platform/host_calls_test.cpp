@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "controller_line.h"
-#include "posix/ce_calls.h"
-#include "posix/entry.h"
-#include "posix/power.h"
-#include "posix/streams.h"
+#include "posix/calls/ce_calls.h"
+#include "posix/calls/entry.h"
+#include "posix/streams/streams.h"
+#include "posix/system/power.h"
 
 namespace {
 

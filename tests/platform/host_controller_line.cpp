@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include "controller_line.h"
-#include "posix/ports.h"
+#include "posix/ports/ports.h"
 
 using Clock = std::chrono::steady_clock;
 

@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <set>
 
-#include "posix/calls.h"
-#include "posix/handles.h"
-#include "posix/sync.h"
-#include "posix/windows_messages.h"
+#include "posix/calls/calls.h"
+#include "posix/kernel/handles.h"
+#include "posix/sync/sync.h"
+#include "posix/windows/windows_messages.h"
 #include "test_window.h"
 
 namespace platform_test {

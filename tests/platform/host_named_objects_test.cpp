@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "kernel_objects.h"
-#include "posix/named_objects.h"
-#include "posix/object_namespace.h"
-#include "posix/sync.h"
+#include "posix/kernel/named_objects.h"
+#include "posix/kernel/object_namespace.h"
+#include "posix/sync/sync.h"
 #include "second_process.h"
 
 namespace platform_test {

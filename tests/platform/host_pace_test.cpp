@@ -8,8 +8,8 @@
 #include <string>
 
 #include "controller_line.h"
-#include "posix/pacer.h"
-#include "posix/ports.h"
+#include "posix/ports/pacer.h"
+#include "posix/ports/ports.h"
 
 namespace {
 

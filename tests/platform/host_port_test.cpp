@@ -15,7 +15,7 @@
 #include <thread>
 
 #include "controller_line.h"
-#include "posix/ports.h"
+#include "posix/ports/ports.h"
 
 namespace {
 

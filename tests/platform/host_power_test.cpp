@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "posix/ce_calls.h"
-#include "posix/power.h"
+#include "posix/calls/ce_calls.h"
+#include "posix/system/power.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "posix/code_pages.h"
-#include "posix/text.h"
-#include "posix/utf.h"
+#include "posix/text/code_pages.h"
+#include "posix/text/text.h"
+#include "posix/text/utf.h"
 
 namespace {
 

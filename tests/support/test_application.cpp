@@ -16,11 +16,11 @@
 #include <utility>
 
 #include "instrument/event_window.h"
-#include "posix/ce_calls.h"
-#include "posix/handles.h"
-#include "posix/ports.h"
-#include "posix/sync.h"
-#include "posix/windows_messages.h"
+#include "posix/calls/ce_calls.h"
+#include "posix/kernel/handles.h"
+#include "posix/ports/ports.h"
+#include "posix/sync/sync.h"
+#include "posix/windows/windows_messages.h"
 #include "support/memory_link.h"
 
 namespace qxtest {

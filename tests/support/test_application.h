@@ -17,7 +17,7 @@
 #include <thread>
 #include <vector>
 
-#include "posix/calls.h"
+#include "posix/calls/calls.h"
 
 namespace qxtest {
 

@@ -13,10 +13,11 @@
 #include <vector>
 
 #include "instrument/event_window.h"
+#include "instrument/focus_side.h"
 #include "instrument/keys.h"
-#include "posix/handles.h"
-#include "posix/ports.h"
-#include "posix/windows_messages.h"
+#include "posix/kernel/handles.h"
+#include "posix/ports/ports.h"
+#include "posix/windows/windows_messages.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 #include "threads/open_service.h"
@@ -238,6 +239,33 @@ TEST(Closing, FromInsideAHandlerFreesThePortBeforeTheHandlerHasReturned) {
   world.controller().Send(CommandFrame("GT_OMD"));
   done.Wait();
   ExpectTheNextOpenAndCloseTidyUp();
+}
+
+TEST(Closing, FromInsideAHandlerLeavesNoFocusJobToWaitForSoOthersOpenInTime) {
+  Watchdog watchdog;
+  World world;
+  const auto focus = host::instrument::FocusSide::Instance();
+  focus->SetAnswer(host::instrument::FocusAnswer::kSilence);  // a job lasts as long as it may
+  NoticeOnEveryCommand notices;
+  const OpenService service;
+  EXPECT_EQ(world.controller().Exchange("ST_FOC,AFO=1"), qxtest::kAck);
+  Signal closed;
+  TestWindow window([&](UINT, WPARAM, LPARAM) -> LRESULT {
+    EXPECT_EQ(QCMCloseComm(service.handle()), QCM_OK);
+    closed.Give();
+    return 0;
+  });
+  QCMRegisterNotifyWindow(service.handle(), window.handle(), kNotice);
+  notices.To(service);
+  const auto start = std::chrono::steady_clock::now();
+  world.controller().Send(CommandFrame("GT_OMD"));
+  closed.Wait();
+  EXPECT_TRUE(WaitUntil([] { return host::LibraryThreads() == 1; })) << "the focus worker's";
+  EXPECT_EQ(QCMCloseComm(QCMOpenComm(u"COM5:")), QCM_OK);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+  EXPECT_TRUE(WaitUntil([] { return host::LibraryThreads() == 0; }));
+  EXPECT_EQ(QCMCloseComm(QCMOpenComm(u"COM5:")), QCM_OK) << "which lets go of the closed service";
+  focus->Reset();
 }
 
 /// A window that tells when it handles a notice and then waits for a word before it does its work.

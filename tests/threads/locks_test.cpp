@@ -10,9 +10,9 @@
 
 #include "instrument/event_window.h"
 #include "instrument/keys.h"
-#include "posix/handles.h"
-#include "posix/ports.h"
-#include "posix/windows_messages.h"
+#include "posix/kernel/handles.h"
+#include "posix/ports/ports.h"
+#include "posix/windows/windows_messages.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 #include "threads/open_service.h"

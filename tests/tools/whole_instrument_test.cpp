@@ -5,7 +5,7 @@
 #include <string>
 
 #include "instrument/keys.h"
-#include "posix/named_objects.h"
+#include "posix/kernel/named_objects.h"
 #include "support/qxsim_process.h"
 #include "support/test_application.h"
 

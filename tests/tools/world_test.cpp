@@ -1,8 +1,8 @@
 // /mutexes, /events, /keys and /shared: the instrument's other processes and its system library.
 #include <nlohmann/json.hpp>
 
-#include "posix/handles.h"
-#include "posix/shared_memory.h"
+#include "posix/kernel/handles.h"
+#include "posix/kernel/shared_memory.h"
 #include "support/controller.h"
 #include "tools/simulator_test.h"
 

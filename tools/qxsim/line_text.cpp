@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "posix/code_pages.h"
-#include "posix/utf.h"
+#include "posix/text/code_pages.h"
+#include "posix/text/utf.h"
 
 namespace qxsim {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "posix/ports.h"
+#include "posix/ports/ports.h"
 
 namespace qxsim {
 

@@ -4,10 +4,10 @@
 #include <nlohmann/json.hpp>
 
 #include "instrument/focus_side.h"
-#include "posix/calls.h"
-#include "posix/code_pages.h"
-#include "posix/named_objects.h"
-#include "posix/ports.h"
+#include "posix/calls/calls.h"
+#include "posix/kernel/named_objects.h"
+#include "posix/ports/ports.h"
+#include "posix/text/code_pages.h"
 #include "qxsim/api/routes.h"
 #include "qxsim/start_error.h"
 #include "qxsim/state_sections.h"

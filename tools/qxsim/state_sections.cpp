@@ -5,9 +5,9 @@
 #include "api/diagnostics.h"
 #include "instrument/field_section.h"
 #include "instrument/measuring_sections.h"
-#include "posix/handles.h"
-#include "posix/ports.h"
-#include "posix/power.h"
+#include "posix/kernel/handles.h"
+#include "posix/ports/ports.h"
+#include "posix/system/power.h"
 
 namespace qxsim {
 namespace {

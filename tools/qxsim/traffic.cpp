@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "posix/calls.h"
+#include "posix/calls/calls.h"
 #include "qxsim/line_text.h"
 
 namespace qxsim {

@@ -10,8 +10,8 @@
 
 #include "QXCommMgr.h"
 #include "link/comm_io_exception.h"
-#include "posix/calls.h"
-#include "posix/handles.h"
+#include "posix/calls/calls.h"
+#include "posix/kernel/handles.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "instrument/event_window.h"
-#include "posix/windows_messages.h"
+#include "posix/windows/windows_messages.h"
 #include "support/test_application.h"
 
 namespace {

@@ -10,8 +10,8 @@
 
 #include "instrument/keys.h"
 #include "instrument/other_process.h"
-#include "posix/handles.h"
-#include "posix/named_objects.h"
+#include "posix/kernel/handles.h"
+#include "posix/kernel/named_objects.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

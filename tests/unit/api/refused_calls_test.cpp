@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "instrument/keys.h"
-#include "posix/handles.h"
+#include "posix/kernel/handles.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

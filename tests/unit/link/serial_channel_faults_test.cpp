@@ -12,8 +12,8 @@
 #include <thread>
 
 #include "link/serial_channel.h"
-#include "posix/handles.h"
-#include "posix/ports.h"
+#include "posix/kernel/handles.h"
+#include "posix/ports/ports.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

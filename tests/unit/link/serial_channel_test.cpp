@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "platform/event.h"
-#include "posix/handles.h"
-#include "posix/ports.h"
+#include "posix/kernel/handles.h"
+#include "posix/ports/ports.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

@@ -9,7 +9,7 @@
 
 #include "platform/event.h"
 #include "platform/shared_block.h"
-#include "posix/handles.h"
+#include "posix/kernel/handles.h"
 #include "unit/measure/focusing_service.h"
 
 namespace qxtest {

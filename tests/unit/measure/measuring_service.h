@@ -15,7 +15,7 @@
 #include "api/comm_manager.h"
 #include "instrument/angles.h"
 #include "instrument/focus_side.h"
-#include "posix/calls.h"
+#include "posix/calls/calls.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

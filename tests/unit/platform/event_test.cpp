@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <thread>
 
-#include "posix/calls.h"
-#include "posix/sync.h"
+#include "posix/calls/calls.h"
+#include "posix/sync/sync.h"
 #include "support/test_application.h"
 
 namespace {

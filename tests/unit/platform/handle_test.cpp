@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "platform/text.h"
-#include "posix/handles.h"
+#include "posix/kernel/handles.h"
 
 namespace {
 

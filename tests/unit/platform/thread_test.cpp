@@ -6,9 +6,9 @@
 #include <atomic>
 #include <cstdlib>
 
-#include "posix/calls.h"
-#include "posix/handles.h"
-#include "posix/sync.h"
+#include "posix/calls/calls.h"
+#include "posix/kernel/handles.h"
+#include "posix/sync/sync.h"
 #include "support/test_application.h"
 
 namespace {

@@ -8,9 +8,9 @@
 
 #include "platform/event.h"
 #include "platform/lock.h"
-#include "posix/calls.h"
-#include "posix/sync.h"
-#include "posix/windows_messages.h"
+#include "posix/calls/calls.h"
+#include "posix/sync/sync.h"
+#include "posix/windows/windows_messages.h"
 #include "support/test_application.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "posix/sync.h"
+#include "posix/sync/sync.h"
 
 namespace {
 

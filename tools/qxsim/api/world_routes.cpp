@@ -6,7 +6,7 @@
 
 #include "instrument/event_window.h"
 #include "instrument/focus_side.h"
-#include "posix/named_objects.h"
+#include "posix/kernel/named_objects.h"
 #include "qxsim/api/members.h"
 #include "qxsim/api/routes.h"
 #include "qxsim/line_text.h"

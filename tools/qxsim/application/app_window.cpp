@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "posix/windows_messages.h"
+#include "posix/windows/windows_messages.h"
 
 namespace qxsim {
 namespace {

@@ -4,7 +4,7 @@
 #include <chrono>
 
 #include "instrument/event_window.h"
-#include "posix/calls.h"
+#include "posix/calls/calls.h"
 
 namespace qxsim {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "posix/calls.h"
+#include "posix/calls/calls.h"
 
 namespace qxsim {
 namespace {

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <vector>
 
-#include "posix/utf.h"
+#include "posix/text/utf.h"
 
 namespace qxsim {
 namespace {

@@ -1,0 +1,62 @@
+#include "posix/ports/ports.h"
+
+#include <windows.h>
+
+#include <atomic>
+#include <memory>
+
+#include "posix/calls/errors.h"
+#include "posix/ports/line.h"
+#include "posix/ports/port_options.h"
+#include "posix/ports/serial_port.h"
+#include "posix/streams/devices.h"
+
+namespace host {
+namespace {
+
+std::atomic<bool> ports_shared{false};
+std::atomic<std::uint32_t> pace{0};
+
+PortObserver& Observer() {
+  static auto* observer = new PortObserver;  // bytes may still pass while the process ends
+  return *observer;
+}
+
+std::shared_ptr<Stream> OpenPort(const std::shared_ptr<Line>& line, const OpenRequest& request) {
+  const bool both_ways = request.access == (GENERIC_READ | GENERIC_WRITE);
+  const bool plain = request.flags == 0 || request.flags == FILE_ATTRIBUTE_NORMAL;
+  if (both_ways && plain && request.share == 0 && request.disposition == OPEN_EXISTING) return SerialPort::Open(line);
+  return Fail(ERROR_INVALID_PARAMETER, std::shared_ptr<Stream>());
+}
+
+void Attach(const std::shared_ptr<Line>& line) {
+  RegisterDevice(line->port(), [line](const OpenRequest& request) { return OpenPort(line, request); });
+}
+
+}  // namespace
+
+std::string AttachPty(std::string_view port) {
+  const auto line = std::make_shared<Line>(std::string(port));
+  Attach(line);
+  return line->controller_path();
+}
+
+void AttachDevice(std::string_view port, std::string path) {
+  Attach(std::make_shared<Line>(std::string(port), std::move(path)));
+}
+
+void DetachPort(std::string_view port) { UnregisterDevice(port); }
+
+void SharePorts(bool shared) { ports_shared = shared; }
+bool PortsShared() { return ports_shared; }
+
+void PacePorts(std::uint32_t baud) { pace = baud; }
+std::uint32_t PortPace() { return pace.load(std::memory_order_relaxed); }
+
+void SetPortObserver(PortObserver observer) { Observer() = std::move(observer); }
+
+void ShowPortBytes(std::string_view port, bool in, std::string_view bytes) {
+  if (const PortObserver& observer = Observer()) observer(port, in, bytes);
+}
+
+}  // namespace host

@@ -1,0 +1,62 @@
+#include "posix/streams/devices.h"
+
+#include <map>
+#include <mutex>
+#include <string>
+
+#include "posix/calls/errors.h"
+#include "posix/text/text.h"
+#include "posix/text/utf.h"
+
+namespace host {
+namespace {
+
+struct DeviceTable {
+  std::mutex mutex;
+  std::map<std::u16string, DeviceOpener> openers;  // by upper-case name; guarded by mutex
+};
+
+DeviceTable& Devices() {
+  static auto* table = new DeviceTable;  // ports may still be opened and closed while the process ends
+  return *table;
+}
+
+std::u16string Key(std::u16string name) {
+  for (char16_t& unit : name) unit = UpperCase(unit);
+  return name;
+}
+
+DeviceOpener FindOpener(const std::u16string& name) {
+  DeviceTable& table = Devices();
+  const std::lock_guard<std::mutex> lock(table.mutex);
+  const auto found = table.openers.find(Key(name));
+  return found == table.openers.end() ? DeviceOpener() : found->second;
+}
+
+}  // namespace
+
+void RegisterDevice(std::string_view name, DeviceOpener opener) {
+  DeviceTable& table = Devices();
+  const std::lock_guard<std::mutex> lock(table.mutex);
+  table.openers[Key(Utf8ToWide(name))] = std::move(opener);
+}
+
+void UnregisterDevice(std::string_view name) {
+  DeviceTable& table = Devices();
+  const std::lock_guard<std::mutex> lock(table.mutex);
+  table.openers.erase(Key(Utf8ToWide(name)));
+}
+
+HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES, DWORD disposition, DWORD flags,
+                   HANDLE template_file) {
+  if (name == nullptr || *name == 0) return Fail(ERROR_PATH_NOT_FOUND, INVALID_HANDLE_VALUE);
+  if (template_file != nullptr) return Fail(ERROR_INVALID_PARAMETER, INVALID_HANDLE_VALUE);
+  const DeviceOpener opener = FindOpener(name);
+  if (!opener) return Fail(ERROR_FILE_NOT_FOUND, INVALID_HANDLE_VALUE);
+  std::shared_ptr<Stream> stream = opener({access, share, disposition, flags});
+  if (stream == nullptr) return INVALID_HANDLE_VALUE;
+  const HANDLE handle = InsertHandle(std::make_shared<StreamHandle>(std::move(stream)));
+  return handle == nullptr ? INVALID_HANDLE_VALUE : handle;
+}
+
+}  // namespace host

@@ -1,0 +1,34 @@
+// Devices by name ("COM5:", "I2C5:"): who opens each, and the call that does.
+#ifndef QXHOST_POSIX_STREAMS_DEVICES_H
+#define QXHOST_POSIX_STREAMS_DEVICES_H
+
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "posix/streams/streams.h"
+
+namespace host {
+
+/// The arguments of CreateFileW that are a device's own business.
+struct OpenRequest {
+  DWORD access;
+  DWORD share;
+  DWORD disposition;
+  DWORD flags;
+};
+
+/// Opens the device; null with the last error set when it cannot.
+using DeviceOpener = std::function<std::shared_ptr<Stream>(const OpenRequest&)>;
+
+/// Makes a device known under its whole name, colon included, in any letter case. A second opener replaces the first.
+void RegisterDevice(std::string_view name, DeviceOpener opener);
+void UnregisterDevice(std::string_view name);
+
+/// Opens a device. Any other name is error 2: there is no file of that name.
+HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,
+                   DWORD flags, HANDLE template_file);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,40 @@
+#include "posix/streams/streams.h"
+
+#include "posix/calls/errors.h"
+
+namespace host {
+namespace {
+
+// Only calls that wait for their result are offered: no overlapped structure, and a place for the count.
+bool Synchronous(const void* buffer, DWORD bytes, DWORD* count, LPOVERLAPPED overlapped) {
+  const bool synchronous = overlapped == nullptr && count != nullptr && (buffer != nullptr || bytes == 0);
+  return synchronous || Fail(ERROR_INVALID_PARAMETER, false);
+}
+
+}  // namespace
+
+std::string StreamName(HANDLE handle) {
+  const auto object = std::dynamic_pointer_cast<StreamHandle>(FindObject(handle));
+  return object == nullptr ? std::string() : object->stream()->Name();
+}
+
+bool StreamCallsListed(HANDLE handle) {
+  const auto object = std::dynamic_pointer_cast<StreamHandle>(FindObject(handle));
+  return object != nullptr && object->stream()->CallsListed();
+}
+
+BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytes, LPDWORD read, LPOVERLAPPED overlapped) {
+  if (!Synchronous(buffer, bytes, read, overlapped)) return FALSE;
+  *read = 0;
+  const auto stream = FindStream(file);
+  return stream == nullptr ? FALSE : stream->Read(buffer, bytes, read);
+}
+
+BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytes, LPDWORD written, LPOVERLAPPED overlapped) {
+  if (!Synchronous(buffer, bytes, written, overlapped)) return FALSE;
+  *written = 0;
+  const auto stream = FindStream(file);
+  return stream == nullptr ? FALSE : stream->Write(buffer, bytes, written);
+}
+
+}  // namespace host
