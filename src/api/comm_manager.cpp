@@ -62,6 +62,7 @@ bool CommManager::AwaitEnd() {
     if (sending > kLongestNotice) return false;
   }
   focus_worker_.Stop();
+  open_files_.CloseAll();
   return true;
 }
 
@@ -96,7 +97,9 @@ std::int32_t CommManager::Resume() {
 }
 
 void CommManager::HandleEvent(DWORD mask) {
-  if (!closing()) measured_data_.HandleEvent(mask);
+  if (closing()) return;
+  measured_data_.HandleEvent(mask);
+  battery_.HandleEvent(mask);
 }
 
 void CommManager::HandleKey(std::uint32_t code) {

@@ -11,6 +11,8 @@
 #include "api/request_records.h"
 #include "commands/measure/focus.h"
 #include "commands/measure/measured_data.h"
+#include "commands/services/battery.h"
+#include "commands/services/open_file_table.h"
 #include "link/link.h"
 #include "platform/lock.h"
 #include "platform/text.h"
@@ -40,9 +42,10 @@ class CommManager final : public Service {
   void Shutdown();
   /// After Shutdown: waits until the service's threads have ended; messages sent to the calling thread's windows are
   /// handled meanwhile. False when the dispatcher waits for a window to handle a notice, and that window is the calling
-  /// thread's or does not return: then the object has to live until DispatcherEnded(). One thread; with no lock held.
+  /// thread's or does not return: then the object has to live until HasEnded(). One thread; with no lock held.
   bool AwaitEnd();
-  bool DispatcherEnded() const { return processor_.finished(); }
+  /// Nothing of the service is left to wait for.
+  bool HasEnded() const { return processor_.finished() && !focus_worker_.running(); }
 
   /// QCM_OK; closes the port and keeps everything else.
   std::int32_t Suspend();
@@ -69,7 +72,10 @@ class CommManager final : public Service {
   Lock& lock() QXCM_RETURN_CAPABILITY(lock_) override { return lock_; }
   MeasuredData& measured_data() override { return measured_data_; }
   FocusWorker& focus_worker() override { return focus_worker_; }
+  BatteryState& battery() override { return battery_; }
+  OpenFileTable& open_files() override { return open_files_; }
   void StoreRequest(const QCM_MSR_PARAMS& request) override { records_.Store(&request); }
+  void StoreRequest(const QCM_EXECUTED_PROCESS_INFO& request) override { records_.Store(&request); }
 
  private:
   bool OpenLink() QXCM_REQUIRES(lock_);
@@ -90,6 +96,8 @@ class CommManager final : public Service {
 
   MeasuredData measured_data_{*this};
   FocusWorker focus_worker_{*this};
+  BatteryState battery_{*this};
+  OpenFileTable open_files_;
 };
 
 }  // namespace qxcm

@@ -121,7 +121,7 @@ std::shared_ptr<CommManager> OpenServices::Remove(QCM_HANDLE handle) {
 }
 
 void OpenServices::ForgetEnded() {
-  const auto ended = [](const auto& manager) { return manager->DispatcherEnded(); };
+  const auto ended = [](const auto& manager) { return manager->HasEnded(); };
   ending_.erase(std::remove_if(ending_.begin(), ending_.end(), ended), ending_.end());
 }
 

@@ -40,6 +40,8 @@ DECLSPEC_IMPORT BOOL WINAPI EventModify(HANDLE event, DWORD function);
 
 // Power management.
 constexpr DWORD kPowerStateOn = 0x00010000;
+constexpr DWORD kPowerStateSuspend = 0x00200000;
+constexpr DWORD kPowerStateReset = 0x00800000;
 constexpr DWORD kPowerForce = 0x00001000;
 DECLSPEC_IMPORT DWORD WINAPI SetSystemPowerState(LPCWSTR state_name, DWORD state_flags, DWORD options);
 DECLSPEC_IMPORT void WINAPI SystemIdleTimerReset(void);
@@ -48,6 +50,9 @@ DECLSPEC_IMPORT void WINAPI SystemIdleTimerReset(void);
 constexpr int kWindowProcedure = -4;
 DECLSPEC_IMPORT LONG_PTR WINAPI GetWindowLongW(HWND window, int index);
 DECLSPEC_IMPORT LONG_PTR WINAPI SetWindowLongW(HWND window, int index, LONG_PTR value);
+
+// A loaded library's procedure, by its name or by MAKEINTRESOURCEW(its ordinal); the desktop has no wide form.
+DECLSPEC_IMPORT FARPROC WINAPI GetProcAddressW(HMODULE library, LPCWSTR procedure);
 
 }  // extern "C"
 

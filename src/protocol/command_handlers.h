@@ -28,6 +28,42 @@ std::int32_t GtHsw(CommandProcessor& processor, const FieldMap& fields);
 std::int32_t StFoc(CommandProcessor& processor, const FieldMap& fields);
 std::int32_t GtFos(CommandProcessor& processor, const FieldMap& fields);
 
+// commands/services/clock.cpp
+std::int32_t StClk(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t GtClk(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/services/files.cpp
+std::int32_t MkFdr(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t RmFil(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t RmFdr(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t CrFil(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t CpFil(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t MvFil(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/services/file_list.cpp
+std::int32_t GtFls(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/services/open_files.cpp
+std::int32_t OpFil(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t ClFil(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t RdFil(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t WrFil(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t SkFil(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/services/registry.cpp
+std::int32_t RdReg(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t WrReg(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t DlReg(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/services/battery.cpp
+std::int32_t GtBat(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/services/power.cpp
+std::int32_t StPwr(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/services/process.cpp
+std::int32_t ExPrs(CommandProcessor& processor, const FieldMap& fields);
+
 }  // namespace qxcm
 
 #endif

@@ -51,7 +51,7 @@ void CommandProcessor::Run() {
 
 void CommandProcessor::HandleOne() {
   if (!commands_.Pop(text_)) return;
-  service_.WaitForRoom(stop_);
+  WaitForRoom();
   const std::string_view error = Dispatch();
   if (!error.empty()) service_.SendReply(error);
   service_.SendControlByte(kAck);

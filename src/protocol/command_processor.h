@@ -33,6 +33,15 @@ class CommandProcessor {
   /// Lets the tools commands through, for as long as the service is open.
   void SetToolsMode() { tools_mode_.store(true, std::memory_order_relaxed); }
 
+  /// The service is being closed: a handler with much left to do ends.
+  bool stopping() const { return stop_.WasSet(); }
+  /// For handlers that send many replies, before each: waits until the controller has read enough of those before.
+  /// False when the service is being closed. Not to be called with a lock held.
+  bool WaitForRoom() {
+    service_.WaitForRoom(stop_);
+    return !stopping();
+  }
+
   CommandQueue& commands() { return commands_; }
   Service& service() { return service_; }
 

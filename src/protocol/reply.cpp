@@ -33,4 +33,14 @@ Reply& Reply::AddHex(std::string_view key, std::uint32_t value, int digits) {
   return Add(key, number);
 }
 
+std::string Escaped(std::string_view value) {
+  std::string escaped;
+  escaped.reserve(value.size());
+  for (const char c : value) {
+    if (c == ',' || c == '\\') escaped.push_back('\\');
+    escaped.push_back(c);
+  }
+  return escaped;
+}
+
 }  // namespace qxcm

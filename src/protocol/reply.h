@@ -25,6 +25,9 @@ class Reply {
   std::string text_;
 };
 
+/// A value that may hold commas and backslashes, each with a backslash before it, so that it stays one field.
+std::string Escaped(std::string_view value);
+
 }  // namespace qxcm
 
 #endif

@@ -12,8 +12,10 @@
 
 namespace qxcm {
 
-class MeasuredData;  // commands/measure/measured_data.h
-class FocusWorker;   // commands/measure/focus.h
+class MeasuredData;   // commands/measure/measured_data.h
+class FocusWorker;    // commands/measure/focus.h
+class BatteryState;   // commands/services/battery.h
+class OpenFileTable;  // commands/services/open_file_table.h
 
 /// Every function may be called from any thread. Nothing is written to the link while the service is suspended.
 class Service {
@@ -37,8 +39,11 @@ class Service {
   virtual Lock& lock() = 0;
   virtual MeasuredData& measured_data() = 0;
   virtual FocusWorker& focus_worker() = 0;
+  virtual BatteryState& battery() = 0;
+  virtual OpenFileTable& open_files() = 0;
   /// Keeps a request for the local application to fetch.
   virtual void StoreRequest(const QCM_MSR_PARAMS& request) = 0;
+  virtual void StoreRequest(const QCM_EXECUTED_PROCESS_INFO& request) = 0;
 
  protected:
   ~Service() = default;

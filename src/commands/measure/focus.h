@@ -29,6 +29,9 @@ class FocusWorker {
   /// as a "FOS" message.
   bool Start(const FocusJob& job);
 
+  /// Whether a job waits for its outcome.
+  bool running() const { return running_.load(std::memory_order_acquire); }
+
   /// Refuses further jobs and waits for the running one: as long as its wait for the focusing side may take.
   void Stop();
 
