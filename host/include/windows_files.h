@@ -18,6 +18,19 @@ extern "C" {
 #define INVALID_SET_FILE_POINTER 0xFFFFFFFFu
 #define FILE_BEGIN 0u
 #define FILE_CURRENT 1u
+#define FILE_END 2u
+
+// Error codes of these calls.
+#define ERROR_NOT_SAME_DEVICE 17u
+#define ERROR_NO_MORE_FILES 18u
+#define ERROR_WRITE_PROTECT 19u
+#define ERROR_BAD_NETPATH 53u
+#define ERROR_FILE_EXISTS 80u
+#define ERROR_DISK_FULL 112u
+#define ERROR_NEGATIVE_SEEK 131u
+#define ERROR_DIR_NOT_EMPTY 145u
+#define ERROR_FILENAME_EXCED_RANGE 206u
+#define ERROR_DIRECTORY 267u
 
 typedef struct _WIN32_FIND_DATAW {
   DWORD dwFileAttributes;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "posix/calls/errors.h"
+#include "posix/files/files.h"
 #include "posix/text/text.h"
 #include "posix/text/utf.h"
 
@@ -33,6 +34,11 @@ DeviceOpener FindOpener(const std::u16string& name) {
   return found == table.openers.end() ? DeviceOpener() : found->second;
 }
 
+// "COM5:": a colon at the end, and no folder in front.
+bool IsDeviceName(const std::u16string& name) {
+  return name.back() == u':' && name.find_first_of(u"\\/") == std::u16string::npos;
+}
+
 }  // namespace
 
 void RegisterDevice(std::string_view name, DeviceOpener opener) {
@@ -52,8 +58,9 @@ HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTE
   if (name == nullptr || *name == 0) return Fail(ERROR_PATH_NOT_FOUND, INVALID_HANDLE_VALUE);
   if (template_file != nullptr) return Fail(ERROR_INVALID_PARAMETER, INVALID_HANDLE_VALUE);
   const DeviceOpener opener = FindOpener(name);
-  if (!opener) return Fail(ERROR_FILE_NOT_FOUND, INVALID_HANDLE_VALUE);
-  std::shared_ptr<Stream> stream = opener({access, share, disposition, flags});
+  if (!opener && IsDeviceName(name)) return Fail(ERROR_FILE_NOT_FOUND, INVALID_HANDLE_VALUE);
+  const OpenRequest request = {access, share, disposition, flags};
+  std::shared_ptr<Stream> stream = opener ? opener(request) : OpenFileByPath(name, request);
   if (stream == nullptr) return INVALID_HANDLE_VALUE;
   const HANDLE handle = InsertHandle(std::make_shared<StreamHandle>(std::move(stream)));
   return handle == nullptr ? INVALID_HANDLE_VALUE : handle;

@@ -25,7 +25,7 @@ using DeviceOpener = std::function<std::shared_ptr<Stream>(const OpenRequest&)>;
 void RegisterDevice(std::string_view name, DeviceOpener opener);
 void UnregisterDevice(std::string_view name);
 
-/// Opens a device. Any other name is error 2: there is no file of that name.
+/// Opens a device, or else a file (see OpenFileByPath). A name like a device's ("COM7:") is error 2 when there is none.
 HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,
                    DWORD flags, HANDLE template_file);
 
