@@ -18,6 +18,16 @@ typedef HKEY* PHKEY;
 #define REG_SZ 1u
 #define REG_BINARY 3u
 #define REG_DWORD 4u
+#define REG_CREATED_NEW_KEY 1u
+#define REG_OPENED_EXISTING_KEY 2u
+
+// Error codes.
+#define ERROR_OUTOFMEMORY 14u
+#define ERROR_DISK_FULL 112u
+#define ERROR_BAD_PATHNAME 161u
+#define ERROR_MORE_DATA 234u
+#define ERROR_REGISTRY_IO_FAILED 1016u
+#define ERROR_KEY_DELETED 1018u
 
 LONG WINAPI RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, DWORD access, PHKEY opened);
 LONG WINAPI RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR key_class, DWORD options, DWORD access,

@@ -4,6 +4,12 @@
 
 namespace host::instrument {
 
+void StateSection::Restore(const Json& whole) {
+  Check(whole);
+  Reset();
+  Apply(whole);
+}
+
 void State::Add(StateSection* section) {
   const std::lock_guard<std::mutex> lock(mutex_);
   sections_.push_back(section);

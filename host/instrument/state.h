@@ -39,6 +39,8 @@ class StateSection {
   virtual void Apply(const Json& patch) = 0;
   /// Back to the defaults.
   virtual void Reset() = 0;
+  /// Back to what ToJson once gave. Throws StateError, with nothing changed, when it cannot have given this.
+  virtual void Restore(const Json& whole);
 };
 
 /// The document. Any thread; changes are made one after the other.

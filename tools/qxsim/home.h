@@ -1,6 +1,7 @@
 // The folder that holds everything of one instrument, for one simulator at a time.
 //
 //   files/     the instrument's file system
+//   state.json what else the instrument keeps: its registry
 //   objects/   the named objects that processes of this instrument share
 //   lock       held while a simulator uses the folder
 #ifndef QXSIM_HOME_H
@@ -23,6 +24,7 @@ class Home {
 
   const std::filesystem::path& path() const { return path_; }
   std::filesystem::path files() const { return path_ / "files"; }
+  std::filesystem::path state() const { return path_ / "state.json"; }
   std::filesystem::path objects() const { return path_ / "objects"; }
 
  private:

@@ -1,12 +1,15 @@
 #include "qxsim/simulator.h"
 
+#include <cerrno>
 #include <chrono>
 #include <nlohmann/json.hpp>
 
 #include "instrument/focus_side.h"
+#include "instrument/registry_json.h"
 #include "posix/calls/calls.h"
 #include "posix/kernel/named_objects.h"
 #include "posix/ports/ports.h"
+#include "posix/registry/registry.h"
 #include "posix/text/code_pages.h"
 #include "qxsim/api/routes.h"
 #include "qxsim/start_error.h"
@@ -17,6 +20,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kKeyPatience{10000};
 constexpr std::chrono::milliseconds kKeyLook{50};
+constexpr const char* kRegistry = "registry";
 
 // The library keeps its window list by name until the process ends. So a further simulator in the same process shares
 // its objects with the first one.
@@ -25,6 +29,11 @@ void UseObjects(const std::string& folder) {
     host::SetObjectNamespace(folder);
   } catch (const std::logic_error&) {
   }
+}
+
+DWORD ErrorCode(int error) {
+  if (error == 0) return ERROR_SUCCESS;
+  return error == ENOSPC || error == EDQUOT ? ERROR_DISK_FULL : ERROR_REGISTRY_IO_FAILED;
 }
 
 }  // namespace
@@ -46,6 +55,7 @@ Simulator::Platform::Platform(Simulator& simulator) {
 }
 
 Simulator::Platform::~Platform() {
+  host::Registry::Instance().SetKeeper(nullptr);
   host::SetCallObserver(nullptr);
   host::SetPortObserver(nullptr);
   host::EnableCallLog(false);
@@ -59,6 +69,7 @@ Simulator::Platform::~Platform() {
 Simulator::Simulator(const Options& options)
     : options_(options),
       home_(options),
+      persistent_(home_.state()),
       trace_(options.trace.empty() ? nullptr : std::make_unique<Trace>(options.trace)),
       platform_(*this),
       lines_(std::make_unique<Lines>(options)) {
@@ -72,11 +83,23 @@ Simulator::Simulator(const Options& options)
   for (const auto& section : sections_) state_.Add(section.get());
   AddRoutes();
   state_.Reset();
+  KeepState();
   OpenService();
   if (!options_.still) motion_ = std::make_unique<host::instrument::Motion>(options_.seed);
 }
 
 Simulator::~Simulator() { Close(); }
+
+// The defaults are in place; what the home keeps takes theirs. From here on a change is kept before its call returns.
+void Simulator::KeepState() {
+  for (const auto& section : sections_) {
+    if (section->Name() == kRegistry) persistent_.Add(*section);
+  }
+  persistent_.Begin();
+  host::Registry::Instance().SetKeeper([this](const host::RegistryContent& content) {
+    return ErrorCode(persistent_.Save(kRegistry, host::instrument::RegistryToJson(content)));
+  });
+}
 
 void Simulator::OpenService() {
   ExportCall call;

@@ -15,6 +15,7 @@
 #include "qxsim/home.h"
 #include "qxsim/lines.h"
 #include "qxsim/options.h"
+#include "qxsim/persistent_state.h"
 #include "qxsim/trace.h"
 #include "qxsim/traffic.h"
 
@@ -60,10 +61,12 @@ class Simulator {
   };
 
   void AddRoutes();
+  void KeepState();
   void OpenService();
 
   const Options options_;
   Home home_;
+  PersistentState persistent_;
   std::unique_ptr<Trace> trace_;
   TrafficLog traffic_;
   Platform platform_;

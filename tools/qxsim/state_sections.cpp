@@ -5,6 +5,7 @@
 #include "api/diagnostics.h"
 #include "instrument/field_section.h"
 #include "instrument/measuring_sections.h"
+#include "instrument/registry_section.h"
 #include "posix/kernel/handles.h"
 #include "posix/ports/ports.h"
 #include "posix/system/power.h"
@@ -75,6 +76,7 @@ std::vector<std::unique_ptr<host::instrument::StateSection>> MakeStateSections(A
     sections.push_back(std::make_unique<FieldSection>(name, std::move(fields)));
   };
   add("system", SystemFields());
+  sections.push_back(std::make_unique<host::instrument::RegistrySection>());
   add("event_window", EventWindowFields(application));
   add("ports", {BoolField("shared", host::PortsShared, host::SharePorts, false)});
   add("resources", ResourceFields(application));

@@ -44,7 +44,8 @@ void AppendArgument(const Argument& argument, CallValues* values) {
     values->emplace_back(WideToUtf8(argument));
   } else if constexpr (std::is_same_v<Argument, LPDCB> || std::is_same_v<Argument, LPCOMMTIMEOUTS>) {
     AppendStructure(argument, sizeof *argument, values);
-  } else if constexpr (std::is_same_v<Argument, HANDLE> || std::is_same_v<Argument, HWND>) {
+  } else if constexpr (std::is_same_v<Argument, HANDLE> || std::is_same_v<Argument, HWND> ||
+                       std::is_same_v<Argument, HKEY>) {
     if (argument == nullptr) return AppendPointer(argument, values);
     values->emplace_back(static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(argument)));
   } else if constexpr (std::is_pointer_v<Argument> && std::is_function_v<std::remove_pointer_t<Argument>>) {

@@ -99,6 +99,14 @@ std::shared_ptr<KernelObject> FindObject(HANDLE handle) { return Table().Find(ha
 
 std::size_t LibraryHandles() { return Table().library_handles(); }
 
-BOOL CloseHandle(HANDLE handle) { return Table().Remove(handle) != nullptr ? TRUE : Fail(ERROR_INVALID_HANDLE, FALSE); }
+bool RemoveHandle(HANDLE handle) { return Table().Remove(handle) != nullptr; }
+
+// A handle's value is not given out again soon: what is found here is what is removed, or nothing is.
+BOOL CloseHandle(HANDLE handle) {
+  auto object = FindObject(handle);
+  const bool closes = object != nullptr && object->EndsWithCloseHandle();
+  object.reset();  // the object shall end with its handle
+  return closes && RemoveHandle(handle) ? TRUE : Fail(ERROR_INVALID_HANDLE, FALSE);
+}
 
 }  // namespace host

@@ -9,13 +9,16 @@
 
 namespace host {
 
-/// Whatever a handle can name: an event, a mutex, a thread, a mapping, an open port or file.
+/// Whatever a handle can name: an event, a mutex, a thread, a mapping, an open port, file or registry key.
 class KernelObject {
  public:
   KernelObject() = default;
   KernelObject(const KernelObject&) = delete;
   KernelObject& operator=(const KernelObject&) = delete;
   virtual ~KernelObject() = default;
+
+  /// False for what has a call of its own to close it: CloseHandle does not take its handles.
+  virtual bool EndsWithCloseHandle() const { return true; }
 };
 
 /// Gives the object a new handle. The handle counts as the library's when made inside one of the library's calls
@@ -32,6 +35,9 @@ std::shared_ptr<Object> FindHandle(HANDLE handle) {
   if (object == nullptr) SetLastError(ERROR_INVALID_HANDLE);
   return object;
 }
+
+/// Takes a handle away, whatever it names. False when it names nothing.
+bool RemoveHandle(HANDLE handle);
 
 /// Handles that the library holds at present.
 std::size_t LibraryHandles();

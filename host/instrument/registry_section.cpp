@@ -1,0 +1,35 @@
+#include "instrument/registry_section.h"
+
+#include <nlohmann/json.hpp>
+
+#include "instrument/registry_json.h"
+#include "posix/registry/registry.h"
+
+namespace host::instrument {
+namespace {
+
+void Expect(DWORD error) {
+  if (error != ERROR_SUCCESS) throw std::runtime_error("registry: cannot be kept: error " + std::to_string(error));
+}
+
+}  // namespace
+
+Json RegistrySection::ToJson() const { return RegistryToJson(Registry::Instance().Content()); }
+
+void RegistrySection::Check(const Json& patch) const { MergeRegistry(Registry::Instance().Content(), patch); }
+
+// The registry may have changed since Check: the patch is merged into what it holds now.
+void RegistrySection::Apply(const Json& patch) {
+  Expect(Registry::Instance().Change([&](RegistryContent* content) {
+    *content = MergeRegistry(*content, patch);
+    return DWORD{ERROR_SUCCESS};
+  }));
+}
+
+void RegistrySection::Reset() { Expect(Registry::Instance().Replace(DefaultRegistry())); }
+
+void RegistrySection::Restore(const Json& whole) {
+  Expect(Registry::Instance().Replace(MergeRegistry(EmptyRegistry(), whole)));
+}
+
+}  // namespace host::instrument

@@ -1,0 +1,105 @@
+#include "instrument/registry_value_json.h"
+
+#include <algorithm>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "posix/text/utf.h"
+
+namespace host::instrument {
+namespace {
+
+constexpr char kDigits[] = "0123456789ABCDEF";
+
+std::string Hex(const std::vector<BYTE>& bytes) {
+  std::string text;
+  text.reserve(bytes.size() * 2);
+  for (const BYTE byte : bytes) {
+    text.push_back(kDigits[byte >> 4]);
+    text.push_back(kDigits[byte & 15]);
+  }
+  return text;
+}
+
+unsigned DigitValue(char digit) {
+  if (digit >= '0' && digit <= '9') return static_cast<unsigned>(digit - '0');
+  const char upper = static_cast<char>(digit & ~0x20);
+  if (upper >= 'A' && upper <= 'F') return static_cast<unsigned>(upper - 'A' + 10);
+  throw StateError("hexadecimal digits are expected");
+}
+
+std::vector<BYTE> BytesOfHex(const Json& json) {
+  if (!json.is_string()) throw StateError("value: a text of hexadecimal digits is expected");
+  const auto& text = json.get_ref<const std::string&>();
+  if (text.size() % 2 != 0) throw StateError("value: an even number of hexadecimal digits is expected");
+  std::vector<BYTE> bytes;
+  for (std::size_t i = 0; i < text.size(); i += 2) {
+    bytes.push_back(static_cast<BYTE>(DigitValue(text[i]) << 4 | DigitValue(text[i + 1])));
+  }
+  return bytes;
+}
+
+/// The text of a value that holds exactly one, zero-terminated and well-formed.
+std::optional<std::string> TextOf(const std::vector<BYTE>& bytes) {
+  std::u16string units(bytes.size() / sizeof(char16_t), u'\0');
+  if (units.empty() || bytes.size() % sizeof(char16_t) != 0) return std::nullopt;
+  std::memcpy(units.data(), bytes.data(), bytes.size());
+  if (units.find(u'\0') != units.size() - 1) return std::nullopt;
+  units.pop_back();
+  std::string text = WideToUtf8(units);
+  if (Utf8ToWide(text) != units) return std::nullopt;  // an unpaired surrogate
+  return text;
+}
+
+std::vector<BYTE> BytesOfText(const Json& json) {
+  if (!json.is_string()) throw StateError("value: a text is expected");
+  const std::u16string units = Utf8ToWide(json.get_ref<const std::string&>());
+  if (units.find(u'\0') != std::u16string::npos) throw StateError("value: a text without zeros is expected");
+  std::vector<BYTE> bytes((units.size() + 1) * sizeof(char16_t));
+  std::memcpy(bytes.data(), units.data(), units.size() * sizeof(char16_t));
+  return bytes;
+}
+
+bool IsWhole(const Json& json, std::int64_t lowest, std::int64_t highest) {
+  if (!json.is_number_integer()) return false;
+  if (json.is_number_unsigned() && json.get<std::uint64_t>() > static_cast<std::uint64_t>(highest)) return false;
+  return json.get<std::int64_t>() >= lowest && json.get<std::int64_t>() <= highest;
+}
+
+std::vector<BYTE> BytesOfInteger(const Json& json) {
+  if (!IsWhole(json, INT32_MIN, INT32_MAX)) throw StateError("value: a whole number of 32 bits, signed, is expected");
+  const auto number = json.get<std::int32_t>();
+  std::vector<BYTE> bytes(sizeof number);
+  std::memcpy(bytes.data(), &number, sizeof number);
+  return bytes;
+}
+
+}  // namespace
+
+Json RegistryValueToJson(const RegistryValue& value) {
+  if (value.type == REG_BINARY) return {{"type", "BIN"}, {"value", Hex(value.data)}};
+  if (value.type == REG_DWORD && value.data.size() == sizeof(std::int32_t)) {
+    std::int32_t number;
+    std::memcpy(&number, value.data.data(), sizeof number);
+    return {{"type", "INT"}, {"value", number}};
+  }
+  if (const auto text = value.type == REG_SZ ? TextOf(value.data) : std::nullopt) {
+    return {{"type", "STR"}, {"value", *text}};
+  }
+  return {{"type", value.type}, {"value", Hex(value.data)}};
+}
+
+RegistryValue RegistryValueFromJson(const Json& json) {
+  const bool shaped = json.is_object() && json.size() == 2 && json.contains("type") && json.contains("value");
+  if (!shaped) throw StateError("an object of type and value is expected");
+  const Json& type = json["type"];
+  const Json& value = json["value"];
+  if (type == "INT") return {{}, REG_DWORD, BytesOfInteger(value)};
+  if (type == "STR") return {{}, REG_SZ, BytesOfText(value)};
+  if (type == "BIN") return {{}, REG_BINARY, BytesOfHex(value)};
+  if (!IsWhole(type, 0, UINT32_MAX)) throw StateError("type: INT, STR, BIN or a type's number is expected");
+  return {{}, type.get<DWORD>(), BytesOfHex(value)};
+}
+
+}  // namespace host::instrument
