@@ -6,6 +6,11 @@
 #include <fstream>
 #include <sstream>
 
+#include "posix/disk/file_root.h"
+#include "posix/registry/registry.h"
+#include "posix/system/clock.h"
+#include "posix/system/power.h"
+
 namespace qxtest {
 
 namespace {
@@ -43,6 +48,24 @@ Texts FrameTexts(const std::string& written) {
 }
 
 }  // namespace
+
+InstrumentWorld::InstrumentWorld() {
+  host::SetFileRoot(files_.path());
+  Defaults();
+  host::RunClock(false);
+}
+
+InstrumentWorld::~InstrumentWorld() {
+  host::RunClock(true);
+  Defaults();
+  host::ClearFileRoot();
+}
+
+void InstrumentWorld::Defaults() {
+  host::Registry::Instance().Replace(host::DefaultRegistry());
+  host::SetFreeFileSpace(std::nullopt);
+  host::SetSystemPowerState(nullptr, host::kPowerOn, 0);
+}
 
 void InstrumentWorld::MakeFile(const std::string& path, std::string_view bytes) const {
   std::filesystem::create_directories(Outside(path).parent_path());

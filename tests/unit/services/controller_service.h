@@ -33,6 +33,8 @@ class InstrumentWorld {
   bool Exists(const std::string& path) const { return std::filesystem::exists(Outside(path)); }
 
  private:
+  static void Defaults();
+
   TemporaryFolder files_;
 };
 
