@@ -51,8 +51,8 @@ constexpr int kWindowProcedure = -4;
 DECLSPEC_IMPORT LONG_PTR WINAPI GetWindowLongW(HWND window, int index);
 DECLSPEC_IMPORT LONG_PTR WINAPI SetWindowLongW(HWND window, int index, LONG_PTR value);
 
-// A loaded library's procedure, by its name or by MAKEINTRESOURCEW(its ordinal); the desktop has no wide form.
-DECLSPEC_IMPORT FARPROC WINAPI GetProcAddressW(HMODULE library, LPCWSTR procedure);
+// A procedure of a loaded library by its name or MAKEINTRESOURCEW(ordinal); the desktop's call takes narrow names only.
+DECLSPEC_IMPORT FARPROC WINAPI GetProcAddressW(HMODULE module, LPCWSTR name);
 
 }  // extern "C"
 

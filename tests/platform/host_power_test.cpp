@@ -17,4 +17,11 @@ TEST(Power, KnowsThreeStatesAndNoNames) {
   EXPECT_EQ(host::PowerState(), host::kPowerOn);
 }
 
+TEST(Power, CanBeRecordedAsOff) {
+  host::RecordPowerState(host::kPowerOff);
+  EXPECT_EQ(host::PowerState(), host::kPowerOff);
+  EXPECT_EQ(SetSystemPowerState(nullptr, host::kPowerOn, 0), 0u);
+  EXPECT_EQ(host::PowerState(), host::kPowerOn);
+}
+
 }  // namespace

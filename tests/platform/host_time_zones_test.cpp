@@ -7,6 +7,7 @@
 #include <ctime>
 #include <random>
 
+#include "instrument/time_zones.h"
 #include "posix/system/zone_rules.h"
 #include "times.h"
 
@@ -99,6 +100,13 @@ TEST(ZoneRules, AgreeWithTheLibraryInNorthAndSouth) {
   EXPECT_EQ(CompareChanges(NorthernZone(), 1980, 2100), 2 * 121);
   EXPECT_EQ(CompareChanges(SouthernZone(), 1980, 2100), 2 * 121);
   EXPECT_EQ(CompareChanges(Zone(-345), 1980, 2100), 0);
+}
+
+TEST(ZoneRules, AgreeWithTheLibraryInEveryZoneOfTheInstrument) {
+  for (const auto& row : host::instrument::TimeZones()) {
+    const int changes = row.rules.DaylightDate.wMonth != 0 ? 2 : 0;
+    EXPECT_EQ(CompareChanges(row.rules, 2000, 2039), 40 * changes) << row.key;
+  }
 }
 
 TEST(ZoneRules, AgreeWithTheLibraryOnAnyYearlyRules) {

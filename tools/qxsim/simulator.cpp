@@ -4,6 +4,7 @@
 #include <chrono>
 #include <nlohmann/json.hpp>
 
+#include "instrument/battery.h"
 #include "instrument/focus_side.h"
 #include "instrument/registry_json.h"
 #include "posix/calls/calls.h"
@@ -45,6 +46,7 @@ Simulator::Platform::Platform(Simulator& simulator) {
   host::PacePorts(options.pace);
   host::SharePorts(false);
   host::ClearFaults();
+  host::instrument::LoadBatteryQuery();
   host::EnableCallLog(true);
   host::SetPortObserver([&simulator](std::string_view port, bool in, std::string_view bytes) {
     simulator.traffic_.Feed(port, in, bytes);
@@ -59,6 +61,7 @@ Simulator::Platform::~Platform() {
   host::SetCallObserver(nullptr);
   host::SetPortObserver(nullptr);
   host::EnableCallLog(false);
+  host::instrument::UnloadBatteryQuery();
   host::ClearFaults();
   host::SharePorts(false);
   host::PacePorts(0);

@@ -3,48 +3,24 @@
 #include <nlohmann/json.hpp>
 
 #include "api/diagnostics.h"
+#include "instrument/clock_section.h"
+#include "instrument/controller_sections.h"
 #include "instrument/field_section.h"
 #include "instrument/measuring_sections.h"
 #include "instrument/registry_section.h"
+#include "instrument/time_zones.h"
 #include "posix/kernel/handles.h"
 #include "posix/ports/ports.h"
-#include "posix/system/power.h"
 
 namespace qxsim {
 namespace {
 
 using host::instrument::BoolField;
-using host::instrument::ChoiceField;
 using host::instrument::Field;
 using host::instrument::FieldSection;
 using host::instrument::IntegerField;
 using host::instrument::Json;
 using host::instrument::ReadOnlyField;
-
-struct PowerName {
-  std::uint32_t state;
-  const char* name;
-};
-constexpr PowerName kPowerNames[] = {
-    {host::kPowerOn, "on"}, {host::kPowerSuspend, "suspend"}, {host::kPowerReset, "reset"}};
-
-std::string PowerText() {
-  const std::uint32_t state = host::PowerState();
-  for (const PowerName& known : kPowerNames) {
-    if (known.state == state) return known.name;
-  }
-  return std::to_string(state);
-}
-
-void SetPower(const std::string& name) {
-  for (const PowerName& known : kPowerNames) {
-    if (known.name == name) host::SetSystemPowerState(nullptr, known.state, 0);
-  }
-}
-
-std::vector<Field> SystemFields() {
-  return {ChoiceField("power", PowerText, SetPower, "on", {"on", "suspend", "reset"})};
-}
 
 std::vector<Field> EventWindowFields(Application& application) {
   Field called = ReadOnlyField("previous_called", [&application] { return Json(application.previous_called()); });
@@ -75,8 +51,10 @@ std::vector<std::unique_ptr<host::instrument::StateSection>> MakeStateSections(A
   const auto add = [&sections](const char* name, std::vector<Field> fields) {
     sections.push_back(std::make_unique<FieldSection>(name, std::move(fields)));
   };
-  add("system", SystemFields());
   sections.push_back(std::make_unique<host::instrument::RegistrySection>());
+  sections.push_back(host::instrument::MakeBatterySection());
+  sections.push_back(host::instrument::MakeClockSection(host::instrument::FindTimeZone));
+  sections.push_back(host::instrument::MakeSystemSection());
   add("event_window", EventWindowFields(application));
   add("ports", {BoolField("shared", host::PortsShared, host::SharePorts, false)});
   add("resources", ResourceFields(application));

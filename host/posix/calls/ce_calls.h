@@ -14,6 +14,8 @@ void WINAPI SystemIdleTimerReset(void);
 LONG_PTR WINAPI GetWindowLongW(HWND window, int index);
 /// Returns the value before.
 LONG_PTR WINAPI SetWindowLongW(HWND window, int index, LONG_PTR value);
+/// name: a procedure's name, or MAKEINTRESOURCEW(ordinal).
+FARPROC WINAPI GetProcAddressW(HMODULE module, LPCWSTR name);
 
 }  // extern "C"
 

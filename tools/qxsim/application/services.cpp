@@ -5,6 +5,8 @@
 #include <iterator>
 #include <vector>
 
+#include "instrument/battery.h"
+#include "instrument/event_window.h"
 #include "posix/text/utf.h"
 
 namespace qxsim {
@@ -113,6 +115,10 @@ const Export* FindExport(const std::string& name) {
   return found == std::end(kExports) ? nullptr : found;
 }
 
+bool Opened(const ExportCall& call, const ExportResult& result) {
+  return call.name == "QCMOpenComm" && result.result != 0;
+}
+
 }  // namespace
 
 std::uint32_t RecordBytes(const std::string& name) {
@@ -125,6 +131,8 @@ bool IsExport(const std::string& name) { return FindExport(name) != nullptr; }
 std::optional<ExportResult> Services::Call(const ExportCall& call) {
   if (!Begin()) return std::nullopt;
   const ExportResult result = FindExport(call.name)->call(call);
+  // The instrument tells a new service how its batteries stand.
+  if (Opened(call, result)) host::instrument::DeliverEvents(host::instrument::kBatteryEvent);
   End(call, result);
   return result;
 }
@@ -138,7 +146,7 @@ bool Services::Begin() {
 
 void Services::End(const ExportCall& call, const ExportResult& result) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (call.name == "QCMOpenComm" && result.result != 0) {
+  if (Opened(call, result)) {
     open_.insert(static_cast<QCM_HANDLE>(result.result));
     if (own_ == 0) own_ = static_cast<QCM_HANDLE>(result.result);
   } else if (call.name == "QCMCloseComm" && result.result == QCM_OK) {

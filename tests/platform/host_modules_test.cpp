@@ -1,0 +1,81 @@
+// Libraries that the instrument loads, and their procedures by ordinal.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "posix/calls/calls.h"
+#include "posix/calls/ce_calls.h"
+#include "posix/system/modules.h"
+
+namespace platform_test {
+namespace {
+
+intptr_t WINAPI First() { return 1; }
+intptr_t WINAPI Second() { return 2; }
+
+class Modules : public testing::Test {
+ protected:
+  Modules() {
+    host::RegisterProcedure("TestLibrary.dll", 5, First);
+    host::RegisterProcedure("TestLibrary.dll", 65535, Second);
+  }
+  ~Modules() override { host::UnregisterModule("TestLibrary.dll"); }
+};
+
+TEST_F(Modules, AreFoundInAnyLetterCaseWithOrWithoutTheEnding) {
+  const HMODULE module = GetModuleHandleW(u"TestLibrary.dll");
+  ASSERT_NE(module, nullptr);
+  EXPECT_EQ(GetModuleHandleW(u"TESTLIBRARY.DLL"), module);
+  EXPECT_EQ(GetModuleHandleW(u"testlibrary"), module);
+}
+
+TEST_F(Modules, AreNotFoundByAnotherName) {
+  for (const LPCWSTR name : {u"", u"TestLibrary.exe", u"TestLibrary.", u"Test", u"\\Windows\\TestLibrary.dll"}) {
+    EXPECT_EQ(GetModuleHandleW(name), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
+  }
+  EXPECT_EQ(GetModuleHandleW(nullptr), nullptr);
+  EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(Modules, GiveTheirProceduresByOrdinal) {
+  const HMODULE module = GetModuleHandleW(u"TestLibrary");
+  EXPECT_EQ(GetProcAddressW(module, MAKEINTRESOURCEW(5))(), 1);
+  EXPECT_EQ(GetProcAddressW(module, MAKEINTRESOURCEW(65535))(), 2);
+}
+
+TEST_F(Modules, HaveNoOtherProcedures) {
+  const HMODULE module = GetModuleHandleW(u"TestLibrary");
+  for (const LPCWSTR name : {MAKEINTRESOURCEW(6), MAKEINTRESOURCEW(0), LPCWSTR{u"First"}, LPCWSTR{u""}}) {
+    EXPECT_EQ(GetProcAddressW(module, name), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_PROC_NOT_FOUND);
+  }
+}
+
+TEST_F(Modules, AreGoneWhenTheyAreUnloaded) {
+  const HMODULE module = GetModuleHandleW(u"TestLibrary");
+  host::UnregisterModule("testlibrary.dll");
+  EXPECT_EQ(GetModuleHandleW(u"TestLibrary"), nullptr);
+  for (const HMODULE gone : {module, HMODULE{}}) {
+    EXPECT_EQ(GetProcAddressW(gone, MAKEINTRESOURCEW(5)), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
+  }
+}
+
+TEST_F(Modules, LetFaultsReachThem) {
+  const HMODULE module = GetModuleHandleW(u"TestLibrary");
+  for (const char* call : {"GetModuleHandleW", "GetProcAddressW"}) {
+    host::Fault fault;
+    fault.library = "COREDLL";
+    fault.call = call;
+    fault.error = ERROR_NOT_ENOUGH_MEMORY;
+    host::AddFault(fault);
+  }
+  EXPECT_EQ(GetModuleHandleW(u"TestLibrary"), nullptr);
+  EXPECT_EQ(GetProcAddressW(module, MAKEINTRESOURCEW(5)), nullptr);
+  EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
+  EXPECT_NE(GetProcAddressW(module, MAKEINTRESOURCEW(5)), nullptr);
+  host::ClearFaults();
+}
+
+}  // namespace
+}  // namespace platform_test
