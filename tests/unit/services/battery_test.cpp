@@ -17,8 +17,11 @@ constexpr std::uint32_t kBatteryChanged = 0x20000;
 
 class GT_BAT : public testing::Test {
  protected:
+  static void Set(BatteryLevels levels) {
+    Battery::Instance().Change([&](BatteryLevels& now) { now = levels; });
+  }
   void Announce(BatteryLevels levels) {
-    Battery::Instance().Set(levels);
+    Set(levels);
     service_.Event(kBatteryChanged);
   }
   ControllerService service_;
@@ -33,7 +36,7 @@ TEST_F(GT_BAT, AnswersInItsOwnOrder) {
 TEST_F(GT_BAT, AnswersTheWordAloneWithoutItsKeys) { EXPECT_EQ(service_.Answer("GT_BAT"), "BAT"); }
 
 TEST_F(GT_BAT, AnswersZerosUntilTheFirstBatteryEvent) {
-  Battery::Instance().Set({80, 71, 5, 1});
+  Set({80, 71, 5, 1});
   EXPECT_EQ(service_.Answer("GT_BAT,GEN,LFT,RGT,EXT,SEL"), "BAT,GEN=0,LFT=0,RGT=0,EXT=0,SEL=LFT");
 }
 
@@ -62,7 +65,7 @@ TEST_F(GT_BAT, AnswersHugeLevelsAsSignedNumbers) {
 }
 
 TEST_F(GT_BAT, IgnoresOtherEvents) {
-  Battery::Instance().Set({80, 71, 5, 1});
+  Set({80, 71, 5, 1});
   service_.Event(~kBatteryChanged & ~0x7u);
   EXPECT_EQ(service_.Answer("GT_BAT,LFT"), "BAT,LFT=0");
 }
@@ -80,7 +83,7 @@ TEST_F(GT_BAT, WaitsForTheManagerLock) {
   Announce({80, 71, 5, 1});
   service_.Locked([&] {
     service_.line.Send(CommandFrame("GT_BAT,LFT"));
-    Battery::Instance().Set({10, 11, 12, 0});
+    Set({10, 11, 12, 0});
     service_.Event(kBatteryChanged);
   });
   EXPECT_EQ(service_.line.TakeWithAcks(1), ReplyFrame("BAT,LFT=10") + std::string(kAck));

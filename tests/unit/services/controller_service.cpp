@@ -6,10 +6,13 @@
 #include <fstream>
 #include <sstream>
 
+#include "instrument/battery.h"
 #include "posix/disk/file_root.h"
+#include "posix/files/program_files.h"
 #include "posix/registry/registry.h"
 #include "posix/system/clock.h"
 #include "posix/system/power.h"
+#include "posix/system/programs.h"
 
 namespace qxtest {
 
@@ -51,6 +54,8 @@ Texts FrameTexts(const std::string& written) {
 
 InstrumentWorld::InstrumentWorld() {
   host::SetFileRoot(files_.path());
+  host::SetProgramLookup(host::LookUpProgramFile);
+  host::instrument::LoadBatteryQuery();
   Defaults();
   host::RunClock(false);
 }
@@ -58,12 +63,15 @@ InstrumentWorld::InstrumentWorld() {
 InstrumentWorld::~InstrumentWorld() {
   host::RunClock(true);
   Defaults();
+  host::instrument::UnloadBatteryQuery();
+  host::SetProgramLookup(nullptr);
   host::ClearFileRoot();
 }
 
 void InstrumentWorld::Defaults() {
   host::Registry::Instance().Replace(host::DefaultRegistry());
   host::SetFreeFileSpace(std::nullopt);
+  host::instrument::Battery::Instance().Change([](host::instrument::BatteryLevels& levels) { levels = {}; });
   host::SetSystemPowerState(nullptr, host::kPowerOn, 0);
 }
 

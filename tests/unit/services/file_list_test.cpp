@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 
+#include "posix/kernel/handles.h"
 #include "unit/services/controller_service.h"
 
 namespace qxtest {
@@ -26,7 +27,7 @@ TEST(GT_FLS, AnswersOneReplyAnEntryWithItsNumberAndTheirCount) {
   ASSERT_EQ(answers.size(), 3u);
   const std::string names = "abc";
   for (std::size_t i = 0; i < answers.size(); ++i) {
-    EXPECT_EQ(answers[i].substr(0, 44),
+    EXPECT_EQ(answers[i].substr(0, 41),
               "FLS,CNT=" + std::to_string(i + 1) + "/3,ATR=10,FNM=" + names[i] + ".txt,SIZ=5,DTE=20");
     EXPECT_EQ(FieldOf(answers[i], "DTE").size(), 8u);
     EXPECT_EQ(FieldOf(answers[i], "TIM").size(), 6u);

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "posix/kernel/handles.h"
 #include "unit/services/controller_service.h"
@@ -204,13 +205,18 @@ TEST_F(SK_FIL, WantsNumberAndPosition) {
 
 TEST_F(TenFiles, CommandsHoldTheTableUntilTheirReplyHasBeenSent) {
   service_.Open("/f0");
+  std::string written;
+  std::thread next;
   service_.Locked([&] {  // the reply waits for the manager lock
     service_.line.Send(CommandFrame("RD_FIL,HAN=1,MOD=BIN,RBT=1"));
     EXPECT_TRUE(WaitUntil([&] { return !service_.PlatformCalls({"ReadFile"}).empty(); }));
-    auto& lock = service_.manager.open_files().lock();
-    std::thread([&] { EXPECT_FALSE(lock.TryEnter()); }).join();
+    next = std::thread([&] {
+      qxcm::Guard guard(service_.manager.open_files().lock());
+      written = service_.line.Take();
+    });
   });
-  EXPECT_EQ(service_.line.TakeWithAcks(1), ReplyFrame("FIL,STS=SCS,VAL=30") + std::string(kAck));
+  next.join();
+  EXPECT_EQ(written.substr(0, written.find('\r') + 1), ReplyFrame("FIL,STS=SCS,VAL=30"));
 }
 
 TEST_F(TenFiles, CommandsByPathDoNotWaitForTheTable) {
