@@ -82,6 +82,7 @@ TEST_F(ContainedFiles, EverySpellingWithEveryCallLeavesWhatIsOutsideAlone) {
   const auto before = canary.Look();
   const auto paths = qxtest::PathSpellings(canary);
   ASSERT_GE(paths.size(), 300u);
+  RecordProperty("paths", static_cast<int>(paths.size()));
   for (const std::u16string& path : paths) {
     const std::string seen = TryAll(path) + TryAll(Path(path));
     ASSERT_FALSE(Tells(seen)) << testing::PrintToString(path);

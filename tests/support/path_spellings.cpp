@@ -155,9 +155,9 @@ void AddDevices(Paths* paths) {
       paths->push_back(std::u16string(u"\\deep\\") + device + end);
     }
   }
-  for (const char16_t* path :
-       {u"/dev/null", u"\\dev\\zero", u"/dev/tty", u"/dev/fd/0", u"/proc/self/environ", u"/etc/passwd",
-        u"\\\\.\\pipe\\x", u"\\\\.\\PhysicalDrive0", u"\\$bus\\a", u"I2C5:\\a", u"GIO1:a"}) {
+  // Of this machine's own paths only such as cannot come to harm, should a call ever reach them.
+  for (const char16_t* path : {u"/proc/version", u"\\proc\\self\\environ", u"/proc/self/fd/0", u"/proc/self/root",
+                               u"\\\\.\\pipe\\x", u"\\\\.\\PhysicalDrive0", u"\\$bus\\a", u"I2C5:\\a", u"GIO1:a"}) {
     paths->push_back(path);
   }
 }
