@@ -8,6 +8,7 @@
 #include "instrument/focus_side.h"
 #include "instrument/registry_json.h"
 #include "posix/calls/calls.h"
+#include "posix/disk/file_root.h"
 #include "posix/kernel/named_objects.h"
 #include "posix/ports/ports.h"
 #include "posix/registry/registry.h"
@@ -42,6 +43,7 @@ DWORD ErrorCode(int error) {
 Simulator::Platform::Platform(Simulator& simulator) {
   const Options& options = simulator.options_;
   UseObjects(simulator.home_.objects());
+  host::SetFileRoot(simulator.home_.files());
   host::SetAnsiCodePage(options.code_page);
   host::PacePorts(options.pace);
   host::SharePorts(false);
@@ -67,6 +69,7 @@ Simulator::Platform::~Platform() {
   host::PacePorts(0);
   host::SetAnsiCodePage(1252);
   host::instrument::FocusSide::Forget();
+  host::ClearFileRoot();
 }
 
 Simulator::Simulator(const Options& options)
@@ -118,6 +121,7 @@ void Simulator::AddRoutes() {
   AddServiceRoutes(router_, *this);
   AddWorldRoutes(router_, *this);
   AddRecordRoutes(router_, *this);
+  AddFileRoutes(router_);
   AddPageRoutes(router_);
 }
 

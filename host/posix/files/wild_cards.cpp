@@ -70,9 +70,11 @@ NamePattern::NamePattern(std::u16string_view pattern) {
   }
   steps_ = MarkWildCards(steps);
   if (no_dot_in_name) steps_.back() = kAnyTextBeforeTheLastDot;
+  every_name_ = pattern == u"*" || pattern == u"*.*";
 }
 
 bool NamePattern::Matches(std::u16string_view folded) const {
+  if (every_name_) return true;
   const std::size_t last_dot = folded.rfind(u'.');
   Reached reached(steps_);
   reached.Add(0);

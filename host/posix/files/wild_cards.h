@@ -18,6 +18,7 @@ class NamePattern {
 
  private:
   std::u16string steps_;  // upper case, with the marks below for what the wild cards mean where they stand
+  bool every_name_ = false;
 };
 
 }  // namespace host

@@ -12,6 +12,7 @@ void AddStateRoutes(Router& router, Simulator& simulator);    ///< /state, /rese
 void AddServiceRoutes(Router& router, Simulator& simulator);  ///< /service, /windows
 void AddWorldRoutes(Router& router, Simulator& simulator);    ///< /mutexes, /events, /keys, /shared
 void AddRecordRoutes(Router& router, Simulator& simulator);   ///< /notifications, /calls, /faults
+void AddFileRoutes(Router& router);                           ///< /files
 void AddPageRoutes(Router& router);                           ///< the panel; /traffic without a stream
 
 }  // namespace qxsim

@@ -1,0 +1,127 @@
+// Files on this host: many, large, shared by threads; what is not offered; the call log and faults.
+#include "host_files.h"
+
+#include <unistd.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+
+#include "posix/calls/calls.h"
+
+namespace platform_test {
+namespace {
+
+using FileLog = HostFiles;
+
+TEST_F(HostFiles, ManyThreadsOnTheSameNamesLeaveNothingOpen) {
+  const WideString names[] = {TEXT("a"), TEXT("B"), TEXT("b"), TEXT("sub\\a")};
+  MakeFolder(TEXT("sub"));
+  const auto run = [&](unsigned seed) {
+    for (unsigned i = 0; i < 400; ++i) {
+      const WideString &from = names[(seed + i) % 4], &to = names[(seed + i * 7 / 3) % 4];
+      if (const HANDLE file = Create(from); file != INVALID_HANDLE_VALUE) {
+        WriteBytes(file, "text");
+        CloseHandle(file);
+      }
+      Copy(from, to);
+      Move(to, from);
+      SearchNames(Path(TEXT("*")));
+      Delete(to);
+    }
+  };
+  std::vector<std::thread> threads;
+  for (unsigned seed = 0; seed < 4; ++seed) threads.emplace_back(run, seed);
+  for (std::thread& thread : threads) thread.join();
+  for (const WideString& name : names) EXPECT_TRUE(Delete(name) || GetLastError() == ERROR_FILE_NOT_FOUND);
+  EXPECT_TRUE(Remove(TEXT("sub")));
+}
+
+TEST_F(HostFiles, ListsALargeFileWithItsWholeSize) {
+  MakeHostFile("large");
+  ASSERT_EQ(truncate(HostPath("large").c_str(), 5LL << 30), 0);
+  const WIN32_FIND_DATAW found = Search(Path(TEXT("large"))).at(0);
+  EXPECT_EQ(found.nFileSizeHigh, 1u);
+  EXPECT_EQ(found.nFileSizeLow, 1u << 30);
+}
+
+TEST_F(HostFiles, RefusesWhatIsNotOffered) {
+  const auto open = [&](DWORD access, DWORD share, DWORD disposition, DWORD flags) {
+    return Error(CreateFileW(Path(TEXT("a")).c_str(), access, share, nullptr, disposition, flags, nullptr));
+  };
+  for (const DWORD disposition : {2u, 4u, 5u}) {
+    EXPECT_EQ(open(kBothWays, 0, disposition, 0), DWORD{ERROR_NOT_SUPPORTED});
+  }
+  EXPECT_EQ(open(kBothWays, 0, CREATE_NEW, 0x04000000), DWORD{ERROR_NOT_SUPPORTED});
+  EXPECT_EQ(open(0, 0, CREATE_NEW, 0), DWORD{ERROR_INVALID_PARAMETER});
+  EXPECT_EQ(open(kBothWays, 4, CREATE_NEW, 0), DWORD{ERROR_INVALID_PARAMETER});
+  EXPECT_FALSE(Exists(TEXT("a")));
+}
+
+TEST_F(HostFiles, SearchesNeedAPlaceForTheResult) {
+  MakeFile(TEXT("a"));
+  WIN32_FIND_DATAW found;
+  EXPECT_EQ(Error(FindFirstFileW(Path(TEXT("a")).c_str(), nullptr)), DWORD{ERROR_INVALID_PARAMETER});
+  const HANDLE search = FindFirstFileW(Path(TEXT("a")).c_str(), &found);
+  EXPECT_EQ(Error(FindNextFileW(search, nullptr) != FALSE), DWORD{ERROR_INVALID_PARAMETER});
+  FindClose(search);
+}
+
+TEST_F(HostFiles, EndlessPatternsAreAnsweredAtOnce) {
+  MakeFile(WideString(100, u'a'));
+  WideString pattern;
+  for (int i = 0; i < 100; ++i) pattern += TEXT("*a");
+  EXPECT_EQ(SearchNames(Path(pattern)).size(), 1u);
+  EXPECT_TRUE(SearchNames(Path(pattern + TEXT("b"))).empty());
+}
+
+TEST_F(HostFiles, TenThousandEntriesAreListedInTime) {
+  for (int i = 0; i < 10000; ++i) MakeHostFile("file " + std::to_string(i) + ".txt");
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(All().size(), 10000u);
+  const auto took = std::chrono::steady_clock::now() - start;
+  EXPECT_LT(took, std::chrono::seconds(3));
+  RecordProperty("milliseconds", static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(took).count()));
+}
+
+TEST_F(FileLog, ListsWhatIsDoneWithFilesAndFaultsReachIt) {
+  host::EnableCallLog(true);
+  std::uint64_t start = 0;
+  host::CallsSince(0, &start);
+  MakeFile(TEXT("a"));
+  SearchNames(Path(TEXT("*")));
+  Delete(TEXT("a"));
+  std::vector<std::string> names;
+  for (const host::CallRecord& call : host::CallsSince(start, nullptr))
+    names.push_back(std::get<std::string>(call.call));
+  host::EnableCallLog(false);
+  EXPECT_EQ(names, (std::vector<std::string>{"CreateFileW", "WriteFile", "CloseHandle", "FindFirstFileW",
+                                             "FindNextFileW", "FindClose", "DeleteFileW"}));
+}
+
+TEST_F(FileLog, FaultsAreLimitedToAPathOrASearch) {
+  const auto fail = [](const char* call, const char* on) {
+    host::Fault fault;
+    fault.library = "COREDLL";
+    fault.call = std::string(call);
+    fault.error = 112;
+    fault.on = on;
+    host::AddFault(fault);
+  };
+  MakeFile(TEXT("a"));
+  MakeFile(TEXT("b"));
+  fail("WriteFile", "/scratch/A");
+  fail("FindNextFileW", "\\Scratch\\*");
+  const HANDLE a = Open(TEXT("a")), b = Open(TEXT("b"));
+  EXPECT_TRUE(WriteBytes(b, "x"));
+  EXPECT_EQ(Error(WriteBytes(a, "x")), 112u);
+  WIN32_FIND_DATAW found;
+  const HANDLE search = FindFirstFileW(Path(TEXT("*")).c_str(), &found);
+  EXPECT_EQ(Error(FindNextFileW(search, &found) != FALSE), 112u);
+  for (const HANDLE handle : {a, b}) CloseHandle(handle);
+  FindClose(search);
+  host::ClearFaults();
+}
+
+}  // namespace
+}  // namespace platform_test
