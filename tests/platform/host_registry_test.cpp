@@ -255,7 +255,8 @@ TEST_F(RegistryDefaultsTest, Are75TimeZonesByRisingIndex) {
   EXPECT_EQ(zones.count, 75u);
   EXPECT_TRUE(std::is_sorted(zones.begin(), zones.end(),
                              [](const auto& left, const auto& right) { return left.index < right.index; }));
-  const auto* keys = host::FindRegistryKey(host::DefaultRegistry(), {u"HKLM", u"Time Zones"});
+  const RegistryContent content = host::DefaultRegistry();
+  const auto* keys = host::FindRegistryKey(content, {u"HKLM", u"Time Zones"});
   ASSERT_NE(keys, nullptr);
   EXPECT_EQ(keys->keys.size(), 75u);
 }

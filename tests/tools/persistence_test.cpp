@@ -249,13 +249,17 @@ std::uint32_t LastTold(int told, std::uint32_t last) {
   return last;
 }
 
-/// Starts the child, kills it at a moment of its own choosing, and returns the last number it told.
-std::uint32_t StoreAndKill(const std::string& file, std::uint32_t first, std::chrono::microseconds life) {
+/// Starts the child, kills it this much later, or this much after it has told something, and returns the last number it
+/// told.
+std::uint32_t StoreAndKill(const std::string& file, std::uint32_t first, bool once_told,
+                           std::chrono::microseconds life) {
   int pipe_ends[2];
   EXPECT_EQ(pipe(pipe_ends), 0);
   const pid_t child = fork();
   if (child == 0) StoreUntilKilled(file, pipe_ends[1], first);
   close(pipe_ends[1]);
+  std::uint32_t last = first - 1;
+  if (once_told) EXPECT_EQ(read(pipe_ends[0], &last, sizeof last), ssize_t{sizeof last});
   const auto end = std::chrono::steady_clock::now() + life;
   while (std::chrono::steady_clock::now() < end) {
   }
@@ -263,7 +267,7 @@ std::uint32_t StoreAndKill(const std::string& file, std::uint32_t first, std::ch
   int status = 0;
   waitpid(child, &status, 0);
   EXPECT_TRUE(WIFSIGNALED(status));
-  const std::uint32_t last = LastTold(pipe_ends[0], first - 1);
+  last = LastTold(pipe_ends[0], last);
   close(pipe_ends[0]);
   return last;
 }
@@ -276,7 +280,7 @@ TEST(KilledWhileStoring, AThousandTimesTheFileIsWholeAndHoldsEveryAcknowledgedVa
   std::uint32_t told = 0;
   int cut_short = 0;
   for (int kills = 0; kills < 1000; ++kills) {
-    told = StoreAndKill(file, told + 1, std::chrono::microseconds(random() % 6000));
+    told = StoreAndKill(file, told + 1, kills % 2 == 0, std::chrono::microseconds(random() % 4000));
     cut_short += fs::exists(file + ".new") ? 1 : 0;
     const Json kept = Json::parse(Content(file))["registry"];
     std::uint32_t newest = 0;
@@ -289,7 +293,7 @@ TEST(KilledWhileStoring, AThousandTimesTheFileIsWholeAndHoldsEveryAcknowledgedVa
     told = newest;  // the one it had no time to tell counts too: the next child goes on behind it
   }
   std::cout << told << " values stored, " << cut_short << " kills while the file was written\n";
-  EXPECT_GT(told, 1000u);
+  EXPECT_GE(told, 500u);
   EXPECT_GT(cut_short, 0);
   EXPECT_LE(std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()), 2);
 }

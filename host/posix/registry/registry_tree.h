@@ -68,8 +68,9 @@ RegistryContent EmptyRegistry();
 /// The roots and the time zones: how a fresh instrument's registry is.
 RegistryContent DefaultRegistry();
 
-/// Null when there is none.
+/// Null when there is none. What is found lives as long as the content.
 const RegistryKey* FindRegistryKey(const RegistryContent& content, const RegistryPath& path);
+const RegistryKey* FindRegistryKey(RegistryContent&& content, const RegistryPath& path) = delete;
 const RegistryValue* FindRegistryValue(const RegistryKey& key, std::u16string_view name);
 
 /// Changes to a content, one after the other. Paths must be good ones.

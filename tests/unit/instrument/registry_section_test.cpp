@@ -54,7 +54,8 @@ TEST_F(RegistrySectionTest, ShowsWhatWasSet) { EXPECT_EQ(Patched(kExample).dump(
 
 TEST_F(RegistrySectionTest, StoresTheBytesThatTheCallsSee) {
   Patched(kExample);
-  const host::RegistryKey* key = host::FindRegistryKey(Registry::Instance().Content(), {u"HKLM", u"Software", u"X"});
+  const RegistryContent content = Registry::Instance().Content();
+  const host::RegistryKey* key = host::FindRegistryKey(content, {u"HKLM", u"Software", u"X"});
   ASSERT_NE(key, nullptr);
   EXPECT_EQ(host::FindRegistryValue(*key, u"Level")->data, (std::vector<BYTE>{3, 0, 0, 0}));
   EXPECT_EQ(host::FindRegistryValue(*key, u"Level")->type, REG_DWORD);
@@ -64,7 +65,6 @@ TEST_F(RegistrySectionTest, StoresTheBytesThatTheCallsSee) {
 }
 
 TEST_F(RegistrySectionTest, ShowsValuesAsTheirTypeOnlyWhenNothingIsLost) {
-  const std::string hex = R"("value":")";
   EXPECT_EQ(Shown(REG_DWORD, {0xFF, 0xFF, 0xFF, 0xFF}).dump(), R"({"type":"INT","value":-1})");
   EXPECT_EQ(Shown(REG_DWORD, {1, 2}).dump(), R"({"type":4,"value":"0102"})");
   EXPECT_EQ(Shown(REG_SZ, {0, 0}).dump(), R"({"type":"STR","value":""})");
@@ -87,7 +87,8 @@ TEST_F(RegistrySectionTest, ShowsEmptyKeysButNeitherEmptyRootsNorKeysThatOthersI
 
 TEST_F(RegistrySectionTest, TellsASlashInANameFromOneBetweenNames) {
   EXPECT_EQ(Patched(R"({"HKCU/a\\/b":{}})").dump(), R"({"HKCU/a\\/b":{}})");
-  EXPECT_NE(host::FindRegistryKey(Registry::Instance().Content(), {u"HKCU", u"a/b"}), nullptr);
+  const RegistryContent content = Registry::Instance().Content();
+  EXPECT_NE(host::FindRegistryKey(content, {u"HKCU", u"a/b"}), nullptr);
   EXPECT_EQ(Patched(R"({"HKCU/a/b":{},"HKCU/a\\/b":null})").dump(), R"({"HKCU/a/b":{}})");
 }
 
