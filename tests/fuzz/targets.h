@@ -13,6 +13,7 @@ using Run = void (*)(const std::uint8_t* data, std::size_t size);
 
 void FuzzFrameDecoder(const std::uint8_t* data, std::size_t size);
 void FuzzCommandSplitter(const std::uint8_t* data, std::size_t size);
+void FuzzVersionResource(const std::uint8_t* data, std::size_t size);
 
 struct Target {
   const char* name;  ///< also the name of its source file, of its folder in seeds/ and of its dictionary
@@ -22,6 +23,7 @@ struct Target {
 constexpr Target kTargets[] = {
     {"frame_decoder", FuzzFrameDecoder},
     {"command_splitter", FuzzCommandSplitter},
+    {"version_resource", FuzzVersionResource},
 };
 
 }  // namespace fuzz
