@@ -58,7 +58,6 @@ typedef intptr_t LRESULT;
 #define FALSE 0
 #define INVALID_HANDLE_VALUE ((HANDLE)(intptr_t)-1)
 #define INFINITE 0xFFFFFFFFu
-#define MAX_PATH 260
 #ifdef __cplusplus
 #define TEXT(literal) u##literal
 #endif
@@ -175,6 +174,8 @@ typedef struct _OVERLAPPED {
 #define FILE_ATTRIBUTE_NORMAL 0x80u
 HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,
                           DWORD flags, HANDLE template_file);
+BOOL WINAPI DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out, DWORD out_bytes,
+                            LPDWORD returned, LPOVERLAPPED overlapped);
 BOOL WINAPI ReadFile(HANDLE file, LPVOID buffer, DWORD bytes, LPDWORD read, LPOVERLAPPED overlapped);
 BOOL WINAPI WriteFile(HANDLE file, LPCVOID buffer, DWORD bytes, LPDWORD written, LPOVERLAPPED overlapped);
 
@@ -313,6 +314,8 @@ DWORD WINAPI MsgWaitForMultipleObjectsEx(DWORD count, const HANDLE* objects, DWO
                                          DWORD flags);
 
 // Text.
+typedef WORD LANGID;
+LANGID WINAPI GetSystemDefaultLangID(void);
 #define CP_ACP 0u
 #define MB_PRECOMPOSED 0x00000001u
 #define WC_COMPOSITECHECK 0x00000200u

@@ -42,6 +42,7 @@ BOOL WINAPI SetLocalTime(const SYSTEMTIME* time);
 DWORD WINAPI GetTimeZoneInformation(LPTIME_ZONE_INFORMATION zone);
 BOOL WINAPI SetTimeZoneInformation(const TIME_ZONE_INFORMATION* zone);
 BOOL WINAPI FileTimeToLocalFileTime(const FILETIME* time, LPFILETIME local);
+BOOL WINAPI SystemTimeToFileTime(const SYSTEMTIME* calendar, LPFILETIME time);
 BOOL WINAPI FileTimeToSystemTime(const FILETIME* time, LPSYSTEMTIME calendar);
 
 #ifdef __cplusplus

@@ -8,6 +8,22 @@
 #error "define QX_SYSTEM_CALL(ordinal, role, parameters) first"
 #endif
 
+// Parameters by their index in a group of their type; the EDM code is 0 to 5.
+QX_SYSTEM_CALL(1, GetIntegerParameter, (std::int32_t index, std::int32_t* value))
+QX_SYSTEM_CALL(2, SetIntegerParameter, (std::int32_t index, std::int32_t value))
+QX_SYSTEM_CALL(3, GetDoubleParameter, (std::int32_t index, double* value))
+QX_SYSTEM_CALL(4, SetDoubleParameter, (std::int32_t index, double value))
+QX_SYSTEM_CALL(46, GetEdmCode, (std::int32_t index, std::int32_t* code))
+QX_SYSTEM_CALL(47, SetEdmCode, (std::int32_t index, std::int32_t code))
+
+// Items of the non-volatile store. The identifier tells the size: bits 8 to 15 the element type (0, 1, 2: one byte; 3,
+// 4, 8: two; 5, 6: four; 7: eight), bits 0 to 7 the element count, bits 16 to 23 the item's number.
+QX_SYSTEM_CALL(61, ReadStoreItem, (std::uint32_t item, void* value))
+QX_SYSTEM_CALL(62, WriteStoreItem, (std::uint32_t item, const void* value))
+
+// Called once for each service, when its devices have been opened.
+QX_SYSTEM_CALL(12, AnnounceService, ())
+
 // Measuring. Mode 1, 2 or 3; target 0 or 1.
 QX_SYSTEM_CALL(5, StartDistance, (std::uint32_t mode, std::uint32_t target))
 QX_SYSTEM_CALL(6, StopDistance, ())

@@ -67,7 +67,7 @@ std::string TakeWord(std::string& text) {
 
 class Runner {
  public:
-  Runner(Controller& controller, World& world) : controller_(controller), world_(world) {
+  Runner(Controller& controller, Surroundings& world) : controller_(controller), world_(world) {
     calls_begin_ = world_.Ask("GET", "/calls", {})["next"];
   }
 
@@ -195,7 +195,7 @@ class Runner {
   }
 
   Controller& controller_;
-  World& world_;
+  Surroundings& world_;
   std::uint64_t calls_begin_ = 0;
   std::uint64_t notices_seen_ = 0;
 };
@@ -249,7 +249,7 @@ std::vector<std::vector<Step>> ReadDocumented(const std::string& path) {
   return conversations;
 }
 
-std::string RunConversation(const std::vector<Step>& steps, Controller& controller, World& world) {
+std::string RunConversation(const std::vector<Step>& steps, Controller& controller, Surroundings& world) {
   int line = 0;
   try {
     Runner runner(controller, world);

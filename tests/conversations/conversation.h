@@ -26,9 +26,9 @@ using wire::Controller;
 using wire::Received;
 
 /// The instrument's API, wherever it runs. Throws std::runtime_error when a request is refused.
-class World {
+class Surroundings {
  public:
-  virtual ~World() = default;
+  virtual ~Surroundings() = default;
   virtual nlohmann::json Ask(const std::string& method, const std::string& path, const nlohmann::json& body) = 0;
 };
 
@@ -43,7 +43,7 @@ std::vector<Step> ReadConversation(const std::string& path);
 std::vector<std::vector<Step>> ReadDocumented(const std::string& path);
 
 /// Runs the steps; returns what went otherwise than written, with its line, or nothing.
-std::string RunConversation(const std::vector<Step>& steps, Controller& controller, World& world);
+std::string RunConversation(const std::vector<Step>& steps, Controller& controller, Surroundings& world);
 
 }  // namespace qxtest
 

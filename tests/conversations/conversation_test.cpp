@@ -15,9 +15,9 @@ namespace {
 
 using nlohmann::json;
 using qxtest::Controller;
-using qxtest::World;
+using qxtest::Surroundings;
 
-class InProcess : public World {
+class InProcess : public Surroundings {
  public:
   InProcess() : simulator_(Options(folder_ / "line")) {}
   const std::string& port() const { return simulator_.port_path(); }
@@ -42,7 +42,7 @@ class InProcess : public World {
   qxsim::Simulator simulator_;
 };
 
-class OverTheLine : public World {
+class OverTheLine : public Surroundings {
  public:
   OverTheLine() : qxsim_({"--still"}) {}
   const std::string& port() const { return qxsim_.port(); }

@@ -13,7 +13,7 @@ from pathlib import Path
 import tree
 
 EXPORTS = Path(__file__).with_name("coredll_exports.txt")
-DECLARATIONS = ("host/include/windows.h", "src/platform/windows_api.h")
+DECLARATIONS = ("host/include/*.h", "src/platform/windows_api.h")
 
 # On offer though COREDLL exports no such name.
 INLINE_ON_CE = {
@@ -48,9 +48,8 @@ def on_offer(name, exports):
 
 def declared_calls(root):
     names = set()
-    for file in DECLARATIONS:
-        if (root / file).is_file():
-            names |= set(re.findall(r"\b(?:WINAPI|APIENTRY)\s+(\w+)\s*\(", tree.code_only((root / file).read_text())))
+    for file in (path for pattern in DECLARATIONS for path in root.glob(pattern)):
+        names |= set(re.findall(r"\b(?:WINAPI|APIENTRY)\s+(\w+)\s*\(", tree.code_only(file.read_text())))
     return names
 
 

@@ -9,9 +9,11 @@
 #include "instrument/registry_json.h"
 #include "posix/calls/calls.h"
 #include "posix/disk/file_root.h"
+#include "posix/files/program_files.h"
 #include "posix/kernel/named_objects.h"
 #include "posix/ports/ports.h"
 #include "posix/registry/registry.h"
+#include "posix/system/programs.h"
 #include "posix/text/code_pages.h"
 #include "qxsim/api/routes.h"
 #include "qxsim/start_error.h"
@@ -44,6 +46,7 @@ Simulator::Platform::Platform(Simulator& simulator) {
   const Options& options = simulator.options_;
   UseObjects(simulator.home_.objects());
   host::SetFileRoot(simulator.home_.files());
+  host::SetProgramLookup(host::LookUpProgramFile);
   host::SetAnsiCodePage(options.code_page);
   host::PacePorts(options.pace);
   host::SharePorts(false);
