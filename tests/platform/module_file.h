@@ -4,8 +4,7 @@
 
 #include <windows.h>
 
-#include <string>
-
+#include "scratch_folder.h"
 #include "support/pe_file.h"
 
 namespace platform_test {
@@ -15,12 +14,12 @@ class ModuleFile {
   explicit ModuleFile(const qxtest::FileBytes& bytes);
   ModuleFile(const ModuleFile&) = delete;
   ModuleFile& operator=(const ModuleFile&) = delete;
-  ~ModuleFile();
 
   LPCWSTR path() const { return path_.c_str(); }
 
  private:
-  std::basic_string<WCHAR> path_;
+  ScratchFolder folder_;
+  WideString path_;
 };
 
 }  // namespace platform_test

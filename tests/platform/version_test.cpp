@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "module_file.h"
+#include "scratch_folder.h"
 
 namespace platform_test {
 namespace {
@@ -142,8 +143,9 @@ TEST(VersionInfo, IsMissingInAFileThatIsNoExecutable) {
 }
 
 TEST(VersionInfo, OfAMissingFileIsError2) {
+  const ScratchFolder folder;
   SetLastError(ERROR_SUCCESS);
-  EXPECT_EQ(GetFileVersionInfoSizeW(TEXT("\\NoSuchModule.dll"), nullptr), 0u);
+  EXPECT_EQ(GetFileVersionInfoSizeW(folder.Path(TEXT("NoSuchModule.dll")).c_str(), nullptr), 0u);
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
 }
 

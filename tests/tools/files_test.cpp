@@ -31,7 +31,7 @@ TEST_F(FilesTest, AFileIsShownWithItsAttributesAndTime) {
   EXPECT_EQ(file["folder"], false);
   EXPECT_EQ(file["archive"], true);
   for (const char* name : {"readonly", "hidden", "system"}) EXPECT_EQ(file[name], false) << name;
-  EXPECT_EQ(file["written"].get<std::string>().size(), std::string("2024-01-31T09:30:05Z").size());
+  EXPECT_EQ(file["written"].get<std::string>().size(), std::string("2024-01-31T09:30:05").size());
 }
 
 TEST_F(FilesTest, AFolderIsShownToo) {
@@ -62,11 +62,12 @@ TEST_F(FilesTest, ReadOnlyIsWhatTheOwnerCannotWrite) {
   EXPECT_EQ(facts.st_mode & S_IWUSR, 0u);
 }
 
-TEST_F(FilesTest, TheTimeOfTheLastWriteIsSet) {
-  EXPECT_EQ(Change({{"written", "2024-01-31T09:30:05Z"}})["written"], "2024-01-31T09:30:05Z");
+TEST_F(FilesTest, TheTimeOfTheLastWriteIsSetInLocalTime) {
+  Ask("PATCH", "/state", {{"clock", {{"local", "2024-01-01T00:00:00"}, {"zone", "W. Europe Standard Time"}}}});
+  EXPECT_EQ(Change({{"written", "2024-01-31T09:30:05"}})["written"], "2024-01-31T09:30:05");
   struct stat facts {};
   ASSERT_EQ(stat((files() / "Temp" / "a.txt").c_str(), &facts), 0);
-  EXPECT_EQ(facts.st_mtime, 1706693405);
+  EXPECT_EQ(facts.st_mtime, 1706689805);
 }
 
 TEST_F(FilesTest, UnknownPathsAreNotFound) {
@@ -85,12 +86,12 @@ TEST_F(FilesTest, WrongRequestsAreRefusedAndChangeNothing) {
                         {{"hidden", true}, {"size", 5}},
                         {{"hidden", true}, {"archive", "no"}},
                         {{"hidden", true}, {"written", 5}},
-                        {{"hidden", true}, {"written", "2024-01-31 09:30:05Z"}},
-                        {{"hidden", true}, {"written", "2024-02-30T09:30:05Z"}},
-                        {{"hidden", true}, {"written", "2024-01-31T24:00:00Z"}},
-                        {{"hidden", true}, {"written", "2024-01-31T09:30:05Z "}},
-                        {{"hidden", true}, {"written", "1979-12-31T23:59:59Z"}},
-                        {{"hidden", true}, {"written", "2108-01-01T00:00:00Z"}},
+                        {{"hidden", true}, {"written", "2024-01-31 09:30:05"}},
+                        {{"hidden", true}, {"written", "2024-02-30T09:30:05"}},
+                        {{"hidden", true}, {"written", "2024-01-31T24:00:00"}},
+                        {{"hidden", true}, {"written", "2024-01-31T09:30:05 "}},
+                        {{"hidden", true}, {"written", "1979-12-31T23:59:59"}},
+                        {{"hidden", true}, {"written", "2108-01-01T00:00:00"}},
                         {{"hidden", true}, {"written", ""}}};
   for (Json body : wrong) {
     body["path"] = "/Temp/a.txt";

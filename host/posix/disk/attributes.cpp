@@ -10,6 +10,8 @@
 #include <string>
 
 #include "posix/disk/host_errors.h"
+#include "posix/system/calendar.h"
+#include "posix/system/clock.h"
 
 namespace host {
 namespace {
@@ -98,7 +100,10 @@ void MarkWritten(int descriptor) {
   if (kept && (*kept & FILE_ATTRIBUTE_ARCHIVE) == 0) {
     WriteKept(descriptor, *kept | FILE_ATTRIBUTE_ARCHIVE, FILE_ATTRIBUTE_ARCHIVE);
   }
+  StoreWrittenTime(descriptor, InstrumentTime());
 }
+
+timespec InstrumentTime() { return FromFileTime(FileTimeOf(ClockTicks())); }
 
 DWORD StoreWrittenTime(int descriptor, const timespec& written) {
   const timespec times[2] = {{0, UTIME_OMIT}, written};

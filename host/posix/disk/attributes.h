@@ -26,8 +26,12 @@ DWORD ReadAttributes(const Entry& entry);
 /// Sets those of kSettableAttributes. Returns 0, or the error with nothing changed.
 DWORD StoreAttributes(int descriptor, const FileFacts& facts, DWORD attributes);
 
-/// Sets the archive attribute of a file that has been written; the descriptor need not be a pin.
+/// Sets the archive attribute of a file that has been written, and its last-write time by the instrument's clock; the
+/// descriptor need not be a pin.
 void MarkWritten(int descriptor);
+
+/// The time of the instrument's clock.
+timespec InstrumentTime();
 
 /// Sets the last-write time; returns 0 or the error.
 DWORD StoreWrittenTime(int descriptor, const timespec& written);

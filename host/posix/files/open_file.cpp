@@ -66,6 +66,7 @@ DWORD MakeNew(const Place& place, const std::string& name, const OpenMode& mode,
   FileDescriptor data(openat(place.folder.descriptor.get(), place.new_name.c_str(), flags, 0666));
   FileFacts facts;
   if (data.get() < 0 || !ReadFacts(data.get(), &facts)) return HostError();
+  StoreWrittenTime(data.get(), InstrumentTime());
   auto share = std::make_unique<Share>(facts.id, place.folders, mode.access, mode.share);
   *file = std::make_shared<OpenFile>(name, std::move(data), mode.access, std::move(share));
   return ERROR_SUCCESS;

@@ -25,7 +25,10 @@ DWORD MakeFolder(LPCWSTR path) {
   if (place.entry.exists()) return ERROR_ALREADY_EXISTS;
   error = ChangeRefused(place);
   if (error != ERROR_SUCCESS) return error;
-  return mkdirat(place.folder.descriptor.get(), place.new_name.c_str(), 0777) == 0 ? ERROR_SUCCESS : HostError();
+  if (mkdirat(place.folder.descriptor.get(), place.new_name.c_str(), 0777) != 0) return HostError();
+  const timespec times[2] = {{0, UTIME_OMIT}, InstrumentTime()};
+  utimensat(place.folder.descriptor.get(), place.new_name.c_str(), times, AT_SYMLINK_NOFOLLOW);
+  return ERROR_SUCCESS;
 }
 
 DWORD Unlink(const Place& place, int flags) {

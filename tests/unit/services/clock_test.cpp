@@ -237,6 +237,20 @@ TEST_F(GT_CLK, IsRightToTheSecondAroundTheChangesOfDaylightTime) {
   EXPECT_EQ(service_.Answer("GT_CLK,TIM"), "CLK,TIM=010000");
 }
 
+TEST_F(GT_CLK, IsTheTimeThatFilesAreWrittenAt) {
+  service_.Answer("CR_FIL,PTH=/new");
+  const std::string made = service_.Answer("GT_FLS,PTH=/new");
+  EXPECT_EQ(made.substr(made.find(",DTE=")), ",DTE=20240131,TIM=093005");
+  service_.Open("/new");
+  service_.Answer("ST_CLK,TIM=100000");
+  service_.Answer("WR_FIL,HAN=1,VAL=x");
+  const std::string written = service_.Answer("GT_FLS,PTH=/new");
+  EXPECT_EQ(written.substr(written.find(",DTE=")), ",DTE=20240131,TIM=100000");
+  service_.Answer("MK_FDR,PTH=/folder");
+  const std::string folder = service_.Answer("GT_FLS,PTH=/folder");
+  EXPECT_EQ(folder.substr(folder.find(",DTE=")), ",DTE=20240131,TIM=100000");
+}
+
 // ---- The table
 
 TEST(TimeZoneTable, HoldsSeventyFiveZonesInAscendingOrder) {

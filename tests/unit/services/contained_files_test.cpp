@@ -28,7 +28,7 @@ std::string Escaped(const std::u16string& path) {
 
 class ContainedCommands : public testing::Test {
  protected:
-  ContainedCommands() : canary_(service_.Outside("/")) { service_.MakeFile("/own.txt", "own"); }
+  ContainedCommands() : canary_(service_.root()) { service_.MakeFile("/own.txt", "own"); }
 
   /// All that a controller gets to see.
   std::string TryAll(const std::string& path) {
@@ -63,7 +63,7 @@ class ContainedCommands : public testing::Test {
 
   std::set<std::filesystem::path> Inside() const {
     std::set<std::filesystem::path> paths;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(service_.Outside("/"))) paths.insert(entry);
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(service_.root())) paths.insert(entry);
     return paths;
   }
   /// Removes what has been made inside, so that it is not taken for something from outside.

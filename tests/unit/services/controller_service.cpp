@@ -53,7 +53,8 @@ Texts FrameTexts(const std::string& written) {
 }  // namespace
 
 InstrumentWorld::InstrumentWorld() {
-  host::SetFileRoot(files_.path());
+  std::filesystem::create_directory(root());
+  host::SetFileRoot(root());
   host::SetProgramLookup(host::LookUpProgramFile);
   host::instrument::LoadBatteryQuery();
   Defaults();

@@ -23,10 +23,10 @@ class InstrumentWorld {
   InstrumentWorld& operator=(const InstrumentWorld&) = delete;
   ~InstrumentWorld();
 
+  /// The folder that is the instrument's file system.
+  std::filesystem::path root() const { return std::filesystem::path(folder_.path()) / "files"; }
   /// Where "/Temp/a.txt" lies on this machine.
-  std::filesystem::path Outside(const std::string& path) const {
-    return std::filesystem::path(files_.path()) / path.substr(1);
-  }
+  std::filesystem::path Outside(const std::string& path) const { return root() / path.substr(1); }
   void MakeFile(const std::string& path, std::string_view bytes = {}) const;
   void MakeFolder(const std::string& path) const { std::filesystem::create_directories(Outside(path)); }
   std::string BytesOf(const std::string& path) const;
@@ -35,7 +35,7 @@ class InstrumentWorld {
  private:
   static void Defaults();
 
-  TemporaryFolder files_;
+  TemporaryFolder folder_;
 };
 
 class ControllerService : public InstrumentWorld, public MeasuringService {

@@ -1,42 +1,54 @@
 #include "qxsim/api/time_text.h"
 
-#include <ctime>
+#include <cstdio>
 
-#include "posix/disk/attributes.h"
+#include "posix/system/calendar.h"
+#include "posix/system/clock.h"
 #include "qxsim/api/http_types.h"
 
 namespace qxsim {
 namespace {
 
-constexpr const char* kFormat = "%Y-%m-%dT%H:%M:%SZ";
 constexpr int kFirstYear = 1980;
 constexpr int kLastYear = 2107;
 
-std::string Format(const std::tm& calendar) {
-  char text[40];
-  return {text, std::strftime(text, sizeof text, kFormat, &calendar)};
+// UTC less local time: what the instrument's lists count with now.
+std::int64_t Bias() {
+  const std::int64_t utc = host::DaysSince1601(2000, 1, 1) * host::kMsPerDay * host::kTicksPerMs;
+  const FILETIME time = host::FileTimeOf(utc);
+  FILETIME local = {};
+  host::FileTimeToLocalFileTime(&time, &local);
+  return utc - host::TicksOf(local);
 }
 
 }  // namespace
 
 std::string TimeText(const FILETIME& time) {
-  const std::time_t seconds = host::FromFileTime(time).tv_sec;
-  std::tm calendar{};
-  gmtime_r(&seconds, &calendar);
-  return Format(calendar);
+  FILETIME local = {};
+  SYSTEMTIME at = {};
+  host::FileTimeToLocalFileTime(&time, &local);
+  host::FileTimeToSystemTime(&local, &at);
+  char text[40];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", at.wYear, at.wMonth, at.wDay, at.wHour, at.wMinute,
+                at.wSecond);
+  return text;
 }
 
 FILETIME TimeFrom(const std::string& text) {
-  std::tm calendar{};
-  const char* end = strptime(text.c_str(), kFormat, &calendar);
-  timespec time{};
-  time.tv_sec = timegm(&calendar);
-  const int year = calendar.tm_year + 1900;
-  const FILETIME result = host::ToFileTime(time);
-  // Written back it must be the same text: no 31 February, no blanks, nothing behind.
-  const bool good = end != nullptr && year >= kFirstYear && year <= kLastYear && TimeText(result) == text;
-  if (!good) throw ApiError(kBadRequest, "written: a time like 2024-01-31T09:30:05Z is expected, 1980 to 2107");
-  return result;
+  int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+  std::sscanf(text.c_str(), "%4d-%2d-%2dT%2d:%2d:%2d", &year, &month, &day, &hour, &minute, &second);
+  SYSTEMTIME at = {};
+  at.wYear = static_cast<WORD>(year);
+  at.wMonth = static_cast<WORD>(month);
+  at.wDay = static_cast<WORD>(day);
+  at.wHour = static_cast<WORD>(hour);
+  at.wMinute = static_cast<WORD>(minute);
+  at.wSecond = static_cast<WORD>(second);
+  if (year >= kFirstYear && year <= kLastYear && host::IsCalendarTime(at)) {
+    const FILETIME time = host::FileTimeOf(host::MsOfCalendar(at) * host::kTicksPerMs + Bias());
+    if (TimeText(time) == text) return time;  // no blanks, nothing behind
+  }
+  throw ApiError(kBadRequest, "written: a time like 2024-01-31T09:30:05 is expected, 1980 to 2107");
 }
 
 }  // namespace qxsim
