@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "QXCommMgr.h"
+#include "link/bluetooth_radio.h"
 #include "link/comm_io_exception.h"
 #include "protocol/frame.h"
 
@@ -14,7 +15,9 @@ namespace {
 
 constexpr WCHAR kBluetoothPort[] = TEXT("COMBT:");
 constexpr WCHAR kCablePort[] = TEXT("COM5:");
-constexpr DWORD kLookAgain = 10;        // milliseconds between looks at a dispatcher that shall end
+constexpr DWORD kLookAgain = 10;         // milliseconds between looks at a dispatcher that shall end
+constexpr DWORD kRadioPatience = 10000;  // milliseconds
+constexpr DWORD kRadioPause = 300;
 constexpr DWORD kLongestNotice = 5000;  // milliseconds that a window may take while its service is closed
 
 WideText NormalisedPortName(LPCWSTR name) {
@@ -30,7 +33,7 @@ CommManager::CommManager(LPCWSTR port_name, std::unique_ptr<Link> link)
     : port_name_(NormalisedPortName(port_name)), link_(std::move(link)) {
   measured_data_.ReadAll();
   Guard guard(lock_);
-  if (!OpenLink()) throw comm_io_exception("cannot open port.");
+  OpenLinkFirst();
   if (!processor_.Start()) {
     CloseLink();
     throw std::runtime_error("Thread create failed.");
@@ -64,6 +67,16 @@ bool CommManager::AwaitEnd() {
   focus_worker_.Stop();
   open_files_.CloseAll();
   return true;
+}
+
+// A radio that has been switched on just now takes some time to bring its port up.
+void CommManager::OpenLinkFirst() {
+  const bool comes_up = port_name_ == kBluetoothPort && SwitchRadioOn();
+  const DWORD start = GetTickCount();
+  while (!OpenLink()) {
+    if (!comes_up || GetTickCount() - start >= kRadioPatience) throw comm_io_exception("cannot open port.");
+    Sleep(kRadioPause);
+  }
 }
 
 bool CommManager::OpenLink() {

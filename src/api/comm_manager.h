@@ -9,6 +9,7 @@
 
 #include "api/notify_list.h"
 #include "api/request_records.h"
+#include "commands/instrument/devices/i2c_bus.h"
 #include "commands/measure/focus.h"
 #include "commands/measure/measured_data.h"
 #include "commands/services/battery.h"
@@ -27,7 +28,8 @@ namespace qxcm {
 class CommManager final : public Service {
  public:
   /// Opens the service on a port over `link`. Throws std::logic_error "null pointer." for a missing name,
-  /// comm_io_exception "cannot open port.", and std::runtime_error when the platform lacks something else.
+  /// i2c_io_exception "cannot open I2C port.", comm_io_exception "cannot open port.", and std::runtime_error when the
+  /// Bluetooth radio cannot be switched on or the platform lacks something else.
   CommManager(LPCWSTR port_name, std::unique_ptr<Link> link);
   CommManager(const CommManager&) = delete;
   CommManager& operator=(const CommManager&) = delete;
@@ -74,10 +76,12 @@ class CommManager final : public Service {
   FocusWorker& focus_worker() override { return focus_worker_; }
   BatteryState& battery() override { return battery_; }
   OpenFileTable& open_files() override { return open_files_; }
+  I2cBus& i2c_bus() override { return i2c_bus_; }
   void StoreRequest(const QCM_MSR_PARAMS& request) override { records_.Store(&request); }
   void StoreRequest(const QCM_EXECUTED_PROCESS_INFO& request) override { records_.Store(&request); }
 
  private:
+  void OpenLinkFirst() QXCM_REQUIRES(lock_);
   bool OpenLink() QXCM_REQUIRES(lock_);
   void CloseLink() QXCM_REQUIRES(lock_);
   void SendFrame(bool asynchronous, std::string_view text);
@@ -86,6 +90,7 @@ class CommManager final : public Service {
   WideText port_name_;
   NotifyList notify_list_{closing_};
   RequestRecords records_;
+  I2cBus i2c_bus_;
   CommandProcessor processor_{*this};
   FrameAssembler assembler_{processor_.commands()};
   const std::unique_ptr<Link> link_;  // opened and closed under the manager lock

@@ -28,6 +28,28 @@ std::int32_t GtHsw(CommandProcessor& processor, const FieldMap& fields);
 std::int32_t StFoc(CommandProcessor& processor, const FieldMap& fields);
 std::int32_t GtFos(CommandProcessor& processor, const FieldMap& fields);
 
+// commands/instrument/parameters.cpp
+std::int32_t StPrm(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t GtPrm(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/instrument/equipment.cpp
+std::int32_t StEqp(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t GtEqp(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/instrument/constants.cpp
+std::int32_t StCst(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t GtCst(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/instrument/product.cpp
+std::int32_t GtPif(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/instrument/parameter_blocks.cpp
+std::int32_t RdPbk(CommandProcessor& processor, const FieldMap& fields);
+std::int32_t WrPbk(CommandProcessor& processor, const FieldMap& fields);
+
+// commands/instrument/i2c.cpp
+std::int32_t CmI2c(CommandProcessor& processor, const FieldMap& fields);
+
 // commands/services/clock.cpp
 std::int32_t StClk(CommandProcessor& processor, const FieldMap& fields);
 std::int32_t GtClk(CommandProcessor& processor, const FieldMap& fields);

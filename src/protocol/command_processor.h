@@ -35,6 +35,8 @@ class CommandProcessor {
 
   /// The service is being closed: a handler with much left to do ends.
   bool stopping() const { return stop_.WasSet(); }
+  /// Set when the service is being closed: ends the waits of a handler.
+  const Event& stop_event() const { return stop_; }
   /// For handlers that send many replies, before each: waits until the controller has read enough of those before.
   /// False when the service is being closed. Not to be called with a lock held.
   bool WaitForRoom() {

@@ -11,19 +11,18 @@ namespace qxcm {
 namespace {
 
 constexpr CommandEntry kMain[] = {
-    {"ST_OMD", StOmd},   {"GT_OMD", GtOmd}, {"MR_DST", MrDst},   {"ST_HAN", StHan},   {"GT_MDT", GtMdt},
-    {"ST_HSW", StHsw},   {"GT_HSW", GtHsw}, {"ST_PRM", nullptr}, {"GT_PRM", nullptr}, {"GT_CST", nullptr},
-    {"GT_EQP", nullptr}, {"ST_CLK", StClk}, {"GT_CLK", GtClk},   {"GT_BAT", GtBat},   {"CM_I2C", nullptr},
-    {"GT_PIF", nullptr}, {"EX_PRS", ExPrs}, {"GT_FLS", GtFls},   {"MK_FDR", MkFdr},   {"RM_FIL", RmFil},
-    {"RM_FDR", RmFdr},   {"CP_FIL", CpFil}, {"MV_FIL", MvFil},   {"CR_FIL", CrFil},   {"OP_FIL", OpFil},
-    {"CL_FIL", ClFil},   {"RD_FIL", RdFil}, {"WR_FIL", WrFil},   {"SK_FIL", SkFil},   {"ST_FOC", StFoc},
+    {"ST_OMD", StOmd}, {"GT_OMD", GtOmd}, {"MR_DST", MrDst}, {"ST_HAN", StHan}, {"GT_MDT", GtMdt}, {"ST_HSW", StHsw},
+    {"GT_HSW", GtHsw}, {"ST_PRM", StPrm}, {"GT_PRM", GtPrm}, {"GT_CST", GtCst}, {"GT_EQP", GtEqp}, {"ST_CLK", StClk},
+    {"GT_CLK", GtClk}, {"GT_BAT", GtBat}, {"CM_I2C", CmI2c}, {"GT_PIF", GtPif}, {"EX_PRS", ExPrs}, {"GT_FLS", GtFls},
+    {"MK_FDR", MkFdr}, {"RM_FIL", RmFil}, {"RM_FDR", RmFdr}, {"CP_FIL", CpFil}, {"MV_FIL", MvFil}, {"CR_FIL", CrFil},
+    {"OP_FIL", OpFil}, {"CL_FIL", ClFil}, {"RD_FIL", RdFil}, {"WR_FIL", WrFil}, {"SK_FIL", SkFil}, {"ST_FOC", StFoc},
     {"GT_FOS", GtFos},
 };
 
 // Reached only after a local application has switched tools mode on.
 constexpr CommandEntry kTools[] = {
-    {"ST_CST", nullptr}, {"ST_EQP", nullptr}, {"WR_PBK", nullptr}, {"RD_PBK", nullptr},
-    {"WR_REG", WrReg},   {"RD_REG", RdReg},   {"DL_REG", DlReg},   {"ST_PWR", StPwr},
+    {"ST_CST", StCst}, {"ST_EQP", StEqp}, {"WR_PBK", WrPbk}, {"RD_PBK", RdPbk},
+    {"WR_REG", WrReg}, {"RD_REG", RdReg}, {"DL_REG", DlReg}, {"ST_PWR", StPwr},
 };
 
 constexpr std::size_t kWordLength = 6;

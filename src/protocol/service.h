@@ -16,6 +16,7 @@ class MeasuredData;   // commands/measure/measured_data.h
 class FocusWorker;    // commands/measure/focus.h
 class BatteryState;   // commands/services/battery.h
 class OpenFileTable;  // commands/services/open_file_table.h
+class I2cBus;         // commands/instrument/devices/i2c_bus.h
 
 /// Every function may be called from any thread. Nothing is written to the link while the service is suspended.
 class Service {
@@ -41,6 +42,7 @@ class Service {
   virtual FocusWorker& focus_worker() = 0;
   virtual BatteryState& battery() = 0;
   virtual OpenFileTable& open_files() = 0;
+  virtual I2cBus& i2c_bus() = 0;
   /// Keeps a request for the local application to fetch.
   virtual void StoreRequest(const QCM_MSR_PARAMS& request) = 0;
   virtual void StoreRequest(const QCM_EXECUTED_PROCESS_INFO& request) = 0;

@@ -58,6 +58,21 @@ std::int32_t ParseLeadingInt(std::string_view text) {
   return static_cast<std::int32_t>(negative ? -value : value);
 }
 
+std::int32_t ParseLeadingHex(std::string_view text) {
+  constexpr std::uint64_t kMax = std::numeric_limits<std::int32_t>::max();
+  constexpr int kBase = 16;
+  const bool negative = TakeSign(&text);
+  const bool prefixed = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
+  if (prefixed) text.remove_prefix(2);  // without a digit behind it is a zero all the same
+  std::uint64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, kBase);
+  if (error == std::errc::invalid_argument) return 0;
+  const std::uint64_t limit = negative ? kMax + 1 : kMax;
+  if (error == std::errc::result_out_of_range || value > limit) value = limit;
+  const auto number = static_cast<std::int64_t>(value);
+  return static_cast<std::int32_t>(negative ? -number : number);
+}
+
 double ParseLeadingDouble(std::string_view text) {
   const bool negative = TakeSign(&text);
   if (text.find_first_of("0123456789.") != 0) return 0;  // "inf" and "nan" too

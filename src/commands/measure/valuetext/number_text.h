@@ -18,6 +18,9 @@ char* FormatFixed4(char* buffer, std::size_t size, double value);
 /// A number that 32 bits cannot hold gives the nearest that they can (-2147483648 or 2147483647).
 std::int32_t ParseLeadingInt(std::string_view text);
 
+/// The same in hexadecimal, with or without "0x".
+std::int32_t ParseLeadingHex(std::string_view text);
+
 /// The decimal number a text begins with: blanks, a sign, digits with or without a point, an exponent; what follows
 /// does not matter. No digits give 0, and so do "inf", "nan" and the like; "0x10" is 0 followed by text. A number too
 /// large for a double gives HUGE_VAL (infinity) with its sign, one too small 0 with its sign; else the nearest double.
