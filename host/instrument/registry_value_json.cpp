@@ -5,39 +5,16 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "posix/text/hex.h"
 #include "posix/text/utf.h"
 
 namespace host::instrument {
 namespace {
 
-constexpr char kDigits[] = "0123456789ABCDEF";
-
-std::string Hex(const std::vector<BYTE>& bytes) {
-  std::string text;
-  text.reserve(bytes.size() * 2);
-  for (const BYTE byte : bytes) {
-    text.push_back(kDigits[byte >> 4]);
-    text.push_back(kDigits[byte & 15]);
-  }
-  return text;
-}
-
-unsigned DigitValue(char digit) {
-  if (digit >= '0' && digit <= '9') return static_cast<unsigned>(digit - '0');
-  const char upper = static_cast<char>(digit & ~0x20);
-  if (upper >= 'A' && upper <= 'F') return static_cast<unsigned>(upper - 'A' + 10);
-  throw StateError("hexadecimal digits are expected");
-}
-
-std::vector<BYTE> BytesOfHex(const Json& json) {
-  if (!json.is_string()) throw StateError("value: a text of hexadecimal digits is expected");
-  const auto& text = json.get_ref<const std::string&>();
-  if (text.size() % 2 != 0) throw StateError("value: an even number of hexadecimal digits is expected");
-  std::vector<BYTE> bytes;
-  for (std::size_t i = 0; i < text.size(); i += 2) {
-    bytes.push_back(static_cast<BYTE>(DigitValue(text[i]) << 4 | DigitValue(text[i + 1])));
-  }
-  return bytes;
+std::vector<BYTE> ValueOfHex(const Json& json) {
+  const auto bytes = json.is_string() ? BytesOfHex(json.get_ref<const std::string&>()) : std::nullopt;
+  if (!bytes) throw StateError("value: a text of pairs of hexadecimal digits is expected");
+  return *bytes;
 }
 
 /// The text of a value that holds exactly one, zero-terminated and well-formed.
@@ -78,7 +55,7 @@ std::vector<BYTE> BytesOfInteger(const Json& json) {
 }  // namespace
 
 Json RegistryValueToJson(const RegistryValue& value) {
-  if (value.type == REG_BINARY) return {{"type", "BIN"}, {"value", Hex(value.data)}};
+  if (value.type == REG_BINARY) return {{"type", "BIN"}, {"value", HexText(value.data.data(), value.data.size())}};
   if (value.type == REG_DWORD && value.data.size() == sizeof(std::int32_t)) {
     std::int32_t number;
     std::memcpy(&number, value.data.data(), sizeof number);
@@ -87,7 +64,7 @@ Json RegistryValueToJson(const RegistryValue& value) {
   if (const auto text = value.type == REG_SZ ? TextOf(value.data) : std::nullopt) {
     return {{"type", "STR"}, {"value", *text}};
   }
-  return {{"type", value.type}, {"value", Hex(value.data)}};
+  return {{"type", value.type}, {"value", HexText(value.data.data(), value.data.size())}};
 }
 
 RegistryValue RegistryValueFromJson(const Json& json) {
@@ -97,9 +74,9 @@ RegistryValue RegistryValueFromJson(const Json& json) {
   const Json& value = json["value"];
   if (type == "INT") return {{}, REG_DWORD, BytesOfInteger(value)};
   if (type == "STR") return {{}, REG_SZ, BytesOfText(value)};
-  if (type == "BIN") return {{}, REG_BINARY, BytesOfHex(value)};
+  if (type == "BIN") return {{}, REG_BINARY, ValueOfHex(value)};
   if (!IsWhole(type, 0, UINT32_MAX)) throw StateError("type: INT, STR, BIN or a type's number is expected");
-  return {{}, type.get<DWORD>(), BytesOfHex(value)};
+  return {{}, type.get<DWORD>(), ValueOfHex(value)};
 }
 
 }  // namespace host::instrument

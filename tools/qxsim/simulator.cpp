@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "instrument/battery.h"
+#include "instrument/drivers.h"
 #include "instrument/focus_side.h"
 #include "instrument/registry_json.h"
 #include "posix/calls/calls.h"
@@ -52,6 +53,7 @@ Simulator::Platform::Platform(Simulator& simulator) {
   host::SharePorts(false);
   host::ClearFaults();
   host::instrument::LoadBatteryQuery();
+  host::instrument::LoadDrivers();
   host::EnableCallLog(true);
   host::SetPortObserver([&simulator](std::string_view port, bool in, std::string_view bytes) {
     simulator.traffic_.Feed(port, in, bytes);

@@ -5,6 +5,7 @@
 #include "api/diagnostics.h"
 #include "instrument/clock_section.h"
 #include "instrument/controller_sections.h"
+#include "instrument/device_sections.h"
 #include "instrument/field_section.h"
 #include "instrument/measuring_sections.h"
 #include "instrument/registry_section.h"
@@ -53,6 +54,7 @@ std::vector<std::unique_ptr<host::instrument::StateSection>> MakeStateSections(A
   };
   sections.push_back(std::make_unique<host::instrument::RegistrySection>());
   sections.push_back(host::instrument::MakeBatterySection());
+  for (auto& section : host::instrument::MakeDeviceSections()) sections.push_back(std::move(section));
   sections.push_back(host::instrument::MakeClockSection(host::instrument::FindTimeZone));
   sections.push_back(host::instrument::MakeSystemSection());
   add("event_window", EventWindowFields(application));

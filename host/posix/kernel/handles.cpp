@@ -104,9 +104,10 @@ bool RemoveHandle(HANDLE handle) { return Table().Remove(handle) != nullptr; }
 // A handle's value is not given out again soon: what is found here is what is removed, or nothing is.
 BOOL CloseHandle(HANDLE handle) {
   auto object = FindObject(handle);
-  const bool closes = object != nullptr && object->EndsWithCloseHandle();
+  if (object == nullptr || !object->EndsWithCloseHandle()) return Fail(ERROR_INVALID_HANDLE, FALSE);
+  if (!object->Closes()) return FALSE;
   object.reset();  // the object shall end with its handle
-  return closes && RemoveHandle(handle) ? TRUE : Fail(ERROR_INVALID_HANDLE, FALSE);
+  return RemoveHandle(handle) ? TRUE : Fail(ERROR_INVALID_HANDLE, FALSE);
 }
 
 }  // namespace host

@@ -19,6 +19,8 @@ class KernelObject {
 
   /// False for what has a call of its own to close it: CloseHandle does not take its handles.
   virtual bool EndsWithCloseHandle() const { return true; }
+  /// CloseHandle is about to take the handle away. False, with the last error set, leaves it as it is.
+  virtual bool Closes() { return true; }
 };
 
 /// Gives the object a new handle. The handle counts as the library's when made inside one of the library's calls

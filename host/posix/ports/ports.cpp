@@ -3,7 +3,9 @@
 #include <windows.h>
 
 #include <atomic>
+#include <map>
 #include <memory>
+#include <mutex>
 
 #include "posix/calls/errors.h"
 #include "posix/ports/line.h"
@@ -22,7 +24,29 @@ PortObserver& Observer() {
   return *observer;
 }
 
+struct GateTable {
+  std::mutex mutex;
+  std::map<std::string, PortGate, std::less<>> gates;  // by port; guarded by mutex
+};
+
+GateTable& Gates() {
+  static auto* table = new GateTable;  // gates are set before main begins, and asked while the process ends
+  return *table;
+}
+
+bool IsThere(const std::string& port) {
+  PortGate gate;
+  {
+    GateTable& table = Gates();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    const auto found = table.gates.find(port);
+    if (found != table.gates.end()) gate = found->second;
+  }
+  return !gate || gate();
+}
+
 std::shared_ptr<Stream> OpenPort(const std::shared_ptr<Line>& line, const OpenRequest& request) {
+  if (!IsThere(line->port())) return Fail(ERROR_FILE_NOT_FOUND, std::shared_ptr<Stream>());
   const bool both_ways = request.access == (GENERIC_READ | GENERIC_WRITE);
   const bool plain = request.flags == 0 || request.flags == FILE_ATTRIBUTE_NORMAL;
   if (both_ways && plain && request.share == 0 && request.disposition == OPEN_EXISTING) return SerialPort::Open(line);
@@ -46,6 +70,12 @@ void AttachDevice(std::string_view port, std::string path) {
 }
 
 void DetachPort(std::string_view port) { UnregisterDevice(port); }
+
+void GatePort(std::string_view port, PortGate is_there) {
+  GateTable& table = Gates();
+  const std::lock_guard<std::mutex> lock(table.mutex);
+  table.gates[std::string(port)] = std::move(is_there);
+}
 
 void SharePorts(bool shared) { ports_shared = shared; }
 bool PortsShared() { return ports_shared; }

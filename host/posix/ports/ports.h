@@ -20,6 +20,11 @@ void AttachDevice(std::string_view port, std::string path);
 /// The port leads nowhere again (its CreateFileW fails with error 2); a pty made for it goes away.
 void DetachPort(std::string_view port);
 
+/// Asked, on the opener's thread and without a lock, whenever the port is opened; while it says no the port is not
+/// there yet (error 2). Stays while the port's line changes; null for none. The port is named as it is attached.
+using PortGate = std::function<bool()>;
+void GatePort(std::string_view port, PortGate is_there);
+
 /// While true, a port may be opened more than once; received bytes go to the first opener.
 void SharePorts(bool shared);
 bool PortsShared();

@@ -7,15 +7,21 @@
 using host::Buffer;
 using host::CoreDllCall;
 using host::FailsWith;
-using host::kListed;
+using host::kUnlisted;
 using host::ListedOn;
 
 extern "C" {
 
 HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,
                    DWORD flags, HANDLE template_file) {
-  return CoreDllCall("CreateFileW", kListed, FailsWith::kMinusOne, host::CreateFileW, name, access, share, security,
-                     disposition, flags, template_file);
+  return CoreDllCall("CreateFileW", !host::ListsItsOwnCalls(name), FailsWith::kMinusOne, host::CreateFileW, name,
+                     access, share, security, disposition, flags, template_file);
+}
+
+BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out, DWORD out_bytes,
+                     LPDWORD returned, LPOVERLAPPED overlapped) {
+  return CoreDllCall("DeviceIoControl", kUnlisted, host::DeviceIoControl, device, code, in, in_bytes, out, out_bytes,
+                     returned, overlapped);
 }
 
 BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytes, LPDWORD read, LPOVERLAPPED overlapped) {

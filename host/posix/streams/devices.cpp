@@ -4,6 +4,7 @@
 #include <mutex>
 #include <string>
 
+#include "posix/calls/entry.h"
 #include "posix/calls/errors.h"
 #include "posix/files/files.h"
 #include "posix/text/text.h"
@@ -12,9 +13,14 @@
 namespace host {
 namespace {
 
+struct Device {
+  DeviceOpener opener;
+  const char* library = nullptr;
+};
+
 struct DeviceTable {
   std::mutex mutex;
-  std::map<std::u16string, DeviceOpener> openers;  // by upper-case name; guarded by mutex
+  std::map<std::u16string, Device> devices;  // by upper-case name; guarded by mutex
 };
 
 DeviceTable& Devices() {
@@ -27,11 +33,12 @@ std::u16string Key(std::u16string name) {
   return name;
 }
 
-DeviceOpener FindOpener(const std::u16string& name) {
+/// Without an opener when there is no such device.
+Device FindDevice(const std::u16string& name) {
   DeviceTable& table = Devices();
   const std::lock_guard<std::mutex> lock(table.mutex);
-  const auto found = table.openers.find(Key(name));
-  return found == table.openers.end() ? DeviceOpener() : found->second;
+  const auto found = table.devices.find(Key(name));
+  return found == table.devices.end() ? Device() : found->second;
 }
 
 // "COM5:": a colon at the end, and no folder in front.
@@ -39,31 +46,39 @@ bool IsDeviceName(const std::u16string& name) {
   return name.back() == u':' && name.find_first_of(u"\\/") == std::u16string::npos;
 }
 
+HANDLE OpenWith(const Device& device, LPCWSTR name, const OpenRequest& request) {
+  std::shared_ptr<Stream> stream = device.opener ? device.opener(request) : OpenFileByPath(name, request);
+  if (stream == nullptr) return INVALID_HANDLE_VALUE;
+  const HANDLE handle = InsertHandle(std::make_shared<StreamHandle>(std::move(stream), device.library));
+  return handle == nullptr ? INVALID_HANDLE_VALUE : handle;
+}
+
 }  // namespace
 
-void RegisterDevice(std::string_view name, DeviceOpener opener) {
+void RegisterDevice(std::string_view name, DeviceOpener opener, const char* library) {
   DeviceTable& table = Devices();
   const std::lock_guard<std::mutex> lock(table.mutex);
-  table.openers[Key(Utf8ToWide(name))] = std::move(opener);
+  table.devices[Key(Utf8ToWide(name))] = {std::move(opener), library};
 }
 
 void UnregisterDevice(std::string_view name) {
   DeviceTable& table = Devices();
   const std::lock_guard<std::mutex> lock(table.mutex);
-  table.openers.erase(Key(Utf8ToWide(name)));
+  table.devices.erase(Key(Utf8ToWide(name)));
 }
+
+bool ListsItsOwnCalls(LPCWSTR name) { return name != nullptr && FindDevice(name).library != nullptr; }
 
 HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES, DWORD disposition, DWORD flags,
                    HANDLE template_file) {
   if (name == nullptr || *name == 0) return Fail(ERROR_PATH_NOT_FOUND, INVALID_HANDLE_VALUE);
   if (template_file != nullptr) return Fail(ERROR_INVALID_PARAMETER, INVALID_HANDLE_VALUE);
-  const DeviceOpener opener = FindOpener(name);
-  if (!opener && IsDeviceName(name)) return Fail(ERROR_FILE_NOT_FOUND, INVALID_HANDLE_VALUE);
-  const OpenRequest request = {access, share, disposition, flags};
-  std::shared_ptr<Stream> stream = opener ? opener(request) : OpenFileByPath(name, request);
-  if (stream == nullptr) return INVALID_HANDLE_VALUE;
-  const HANDLE handle = InsertHandle(std::make_shared<StreamHandle>(std::move(stream)));
-  return handle == nullptr ? INVALID_HANDLE_VALUE : handle;
+  const Device device = FindDevice(name);
+  if (!device.opener && IsDeviceName(name)) return Fail(ERROR_FILE_NOT_FOUND, INVALID_HANDLE_VALUE);
+  const auto open = [&] { return OpenWith(device, name, {access, share, disposition, flags}); };
+  if (device.library == nullptr) return open();
+  return Entry(
+      device.library, "open", true, [] { return CallValues(); }, open, FailsWith::kMinusOne);
 }
 
 }  // namespace host

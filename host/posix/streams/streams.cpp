@@ -1,5 +1,6 @@
 #include "posix/streams/streams.h"
 
+#include "posix/calls/entry.h"
 #include "posix/calls/errors.h"
 
 namespace host {
@@ -12,6 +13,14 @@ bool Synchronous(const void* buffer, DWORD bytes, DWORD* count, LPOVERLAPPED ove
 }
 
 }  // namespace
+
+BOOL Stream::Control(DWORD, const void*, DWORD, void*, DWORD, DWORD*) { return Fail(ERROR_NOT_SUPPORTED, FALSE); }
+
+bool StreamHandle::Closes() {
+  if (library_ == nullptr) return true;
+  return Entry(
+      library_, "close", true, [] { return CallValues(); }, [] { return TRUE; });
+}
 
 std::string StreamName(HANDLE handle) {
   const auto object = std::dynamic_pointer_cast<StreamHandle>(FindObject(handle));
@@ -35,6 +44,17 @@ BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytes, LPDWORD written, LPOVER
   *written = 0;
   const auto stream = FindStream(file);
   return stream == nullptr ? FALSE : stream->Write(buffer, bytes, written);
+}
+
+BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out, DWORD out_bytes,
+                     LPDWORD returned, LPOVERLAPPED overlapped) {
+  const bool buffers = (in != nullptr || in_bytes == 0) && (out != nullptr || out_bytes == 0);
+  if (!buffers || overlapped != nullptr) return Fail(ERROR_INVALID_PARAMETER, FALSE);
+  DWORD unasked = 0;
+  DWORD* const count = returned == nullptr ? &unasked : returned;
+  *count = 0;
+  const auto stream = FindStream(device);
+  return stream == nullptr ? FALSE : stream->Control(code, in, in_bytes, out, out_bytes, count);
 }
 
 }  // namespace host

@@ -24,6 +24,8 @@ class Stream {
   virtual bool CallsListed() const { return false; }
   virtual BOOL Read(void* buffer, DWORD bytes, DWORD* read) = 0;
   virtual BOOL Write(const void* buffer, DWORD bytes, DWORD* written) = 0;
+  /// DeviceIoControl: neither buffer is null unless it is empty, and *returned is 0. Without a device's own: error 50.
+  virtual BOOL Control(DWORD code, const void* in, DWORD in_bytes, void* out, DWORD out_bytes, DWORD* returned);
   /// The handle has been closed: calls still under way on other threads shall end.
   virtual void Closed() {}
 };
@@ -32,12 +34,16 @@ class Stream {
 /// ends with its handle and can tell them.
 class StreamHandle final : public KernelObject {
  public:
-  explicit StreamHandle(std::shared_ptr<Stream> stream) : stream_(std::move(stream)) {}
+  /// \param library  the name under which the call log shows the closing; null when it is a call of COREDLL's
+  explicit StreamHandle(std::shared_ptr<Stream> stream, const char* library = nullptr)
+      : stream_(std::move(stream)), library_(library) {}
   ~StreamHandle() override { stream_->Closed(); }
+  bool Closes() override;
   const std::shared_ptr<Stream>& stream() const { return stream_; }
 
  private:
   std::shared_ptr<Stream> stream_;
+  const char* library_;
 };
 
 /// The stream of one kind behind a handle; null and last error 6 when there is none.
@@ -57,6 +63,10 @@ bool StreamCallsListed(HANDLE handle);
 
 BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytes, LPDWORD read, LPOVERLAPPED overlapped);
 BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytes, LPDWORD written, LPOVERLAPPED overlapped);
+
+/// A driver's own operation. `returned` may be null; `overlapped` must be.
+BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_bytes, LPVOID out, DWORD out_bytes,
+                     LPDWORD returned, LPOVERLAPPED overlapped);
 
 }  // namespace host
 
