@@ -1,43 +1,22 @@
 #include "instrument/registry_value_json.h"
 
-#include <algorithm>
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "instrument/json_values.h"
+#include "posix/text/hex.h"
 #include "posix/text/utf.h"
 
 namespace host::instrument {
 namespace {
 
-constexpr char kDigits[] = "0123456789ABCDEF";
-
-std::string Hex(const std::vector<BYTE>& bytes) {
-  std::string text;
-  text.reserve(bytes.size() * 2);
-  for (const BYTE byte : bytes) {
-    text.push_back(kDigits[byte >> 4]);
-    text.push_back(kDigits[byte & 15]);
+std::vector<BYTE> BytesOfValue(const Json& json) {
+  try {
+    return BytesOf(json);
+  } catch (const StateError& error) {
+    throw StateError(std::string("value: ") + error.what());
   }
-  return text;
-}
-
-unsigned DigitValue(char digit) {
-  if (digit >= '0' && digit <= '9') return static_cast<unsigned>(digit - '0');
-  const char upper = static_cast<char>(digit & ~0x20);
-  if (upper >= 'A' && upper <= 'F') return static_cast<unsigned>(upper - 'A' + 10);
-  throw StateError("hexadecimal digits are expected");
-}
-
-std::vector<BYTE> BytesOfHex(const Json& json) {
-  if (!json.is_string()) throw StateError("value: a text of hexadecimal digits is expected");
-  const auto& text = json.get_ref<const std::string&>();
-  if (text.size() % 2 != 0) throw StateError("value: an even number of hexadecimal digits is expected");
-  std::vector<BYTE> bytes;
-  for (std::size_t i = 0; i < text.size(); i += 2) {
-    bytes.push_back(static_cast<BYTE>(DigitValue(text[i]) << 4 | DigitValue(text[i + 1])));
-  }
-  return bytes;
 }
 
 /// The text of a value that holds exactly one, zero-terminated and well-formed.
@@ -61,12 +40,6 @@ std::vector<BYTE> BytesOfText(const Json& json) {
   return bytes;
 }
 
-bool IsWhole(const Json& json, std::int64_t lowest, std::int64_t highest) {
-  if (!json.is_number_integer()) return false;
-  if (json.is_number_unsigned() && json.get<std::uint64_t>() > static_cast<std::uint64_t>(highest)) return false;
-  return json.get<std::int64_t>() >= lowest && json.get<std::int64_t>() <= highest;
-}
-
 std::vector<BYTE> BytesOfInteger(const Json& json) {
   if (!IsWhole(json, INT32_MIN, INT32_MAX)) throw StateError("value: a whole number of 32 bits, signed, is expected");
   const auto number = json.get<std::int32_t>();
@@ -78,7 +51,7 @@ std::vector<BYTE> BytesOfInteger(const Json& json) {
 }  // namespace
 
 Json RegistryValueToJson(const RegistryValue& value) {
-  if (value.type == REG_BINARY) return {{"type", "BIN"}, {"value", Hex(value.data)}};
+  if (value.type == REG_BINARY) return {{"type", "BIN"}, {"value", HexOf(value.data)}};
   if (value.type == REG_DWORD && value.data.size() == sizeof(std::int32_t)) {
     std::int32_t number;
     std::memcpy(&number, value.data.data(), sizeof number);
@@ -87,7 +60,7 @@ Json RegistryValueToJson(const RegistryValue& value) {
   if (const auto text = value.type == REG_SZ ? TextOf(value.data) : std::nullopt) {
     return {{"type", "STR"}, {"value", *text}};
   }
-  return {{"type", value.type}, {"value", Hex(value.data)}};
+  return {{"type", value.type}, {"value", HexOf(value.data)}};
 }
 
 RegistryValue RegistryValueFromJson(const Json& json) {
@@ -97,9 +70,9 @@ RegistryValue RegistryValueFromJson(const Json& json) {
   const Json& value = json["value"];
   if (type == "INT") return {{}, REG_DWORD, BytesOfInteger(value)};
   if (type == "STR") return {{}, REG_SZ, BytesOfText(value)};
-  if (type == "BIN") return {{}, REG_BINARY, BytesOfHex(value)};
+  if (type == "BIN") return {{}, REG_BINARY, BytesOfValue(value)};
   if (!IsWhole(type, 0, UINT32_MAX)) throw StateError("type: INT, STR, BIN or a type's number is expected");
-  return {{}, type.get<DWORD>(), BytesOfHex(value)};
+  return {{}, type.get<DWORD>(), BytesOfValue(value)};
 }
 
 }  // namespace host::instrument
