@@ -66,7 +66,7 @@ std::optional<Bytes> AnswerOf(const Json& value) {
 Field AnswerField() {
   const auto get = [] {
     const Bytes answer = Sensors::Instance().Use([](SensorSet& set) { return set.temperature.answer; });
-    return Json(HexText(answer.data(), answer.size()));
+    return Json(HexOf(answer.data(), answer.size()));
   };
   const auto check = [](const Json& value) {
     const auto answer = AnswerOf(value);

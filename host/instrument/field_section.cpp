@@ -3,16 +3,9 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "instrument/json_values.h"
+
 namespace host::instrument {
-namespace {
-
-bool InRange(const Json& value, std::int64_t lowest, std::int64_t highest) {
-  if (!value.is_number_integer()) return false;
-  if (value.is_number_unsigned() && value.get<std::uint64_t>() > static_cast<std::uint64_t>(INT64_MAX)) return false;
-  return value.get<std::int64_t>() >= lowest && value.get<std::int64_t>() <= highest;
-}
-
-}  // namespace
 
 Field ReadOnlyField(std::string name, std::function<Json()> get) {
   return {std::move(name), std::move(get), nullptr, nullptr, nullptr};
@@ -29,7 +22,7 @@ Field BoolField(std::string name, std::function<bool()> get, std::function<void(
 Field IntegerField(std::string name, std::function<std::int64_t()> get, std::function<void(std::int64_t)> set,
                    std::int64_t standard, std::int64_t lowest, std::int64_t highest) {
   const auto check = [lowest, highest](const Json& value) {
-    if (InRange(value, lowest, highest)) return;
+    if (IsWhole(value, lowest, highest)) return;
     throw StateError("a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest) +
                      " is expected");
   };

@@ -28,7 +28,7 @@ struct Outcome {
 template <>
 struct host::CallResult<host::instrument::Outcome> {
   static CallValue Listed(const instrument::Outcome& outcome) {
-    if (outcome.read) return HexText(outcome.read->data(), outcome.read->size());
+    if (outcome.read) return HexOf(outcome.read->data(), outcome.read->size());
     return std::int64_t{outcome.succeeded};
   }
   static instrument::Outcome Failed(std::int64_t number) { return {static_cast<BOOL>(number), std::nullopt}; }
@@ -65,7 +65,7 @@ BOOL I2cBus::Control(DWORD code, const void* in, DWORD in_bytes, void* out, DWOR
   const Outcome outcome = Entry(
       kName, call, true,
       [&] {
-        return CallValues{bytes[0], HexText(sent.data(), sent.size()), out_bytes};
+        return CallValues{bytes[0], HexOf(sent.data(), sent.size()), out_bytes};
       },
       [&] { return Transfer(bytes[0], sent, reads ? std::optional<DWORD>(out_bytes) : std::nullopt); });
   if (!outcome.read) return outcome.succeeded;

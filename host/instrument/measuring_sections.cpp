@@ -149,8 +149,9 @@ std::vector<std::unique_ptr<StateSection>> MakeMeasuringSections() {
   add("distance", DistanceFields());
   add("measurement", MeasurementFields());
   sections.push_back(std::make_unique<SwitchSection>());
-  add("focus", FocusFields());
   return sections;
 }
+
+std::unique_ptr<StateSection> MakeFocusSection() { return std::make_unique<FieldSection>("focus", FocusFields()); }
 
 }  // namespace host::instrument

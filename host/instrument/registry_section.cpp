@@ -1,5 +1,6 @@
 #include "instrument/registry_section.h"
 
+#include <cerrno>
 #include <nlohmann/json.hpp>
 
 #include "instrument/registry_json.h"
@@ -12,7 +13,14 @@ void Expect(DWORD error) {
   if (error != ERROR_SUCCESS) throw std::runtime_error("registry: cannot be kept: error " + std::to_string(error));
 }
 
+DWORD ErrorCode(int error) {
+  if (error == 0) return ERROR_SUCCESS;
+  return error == ENOSPC || error == EDQUOT ? ERROR_DISK_FULL : ERROR_REGISTRY_IO_FAILED;
+}
+
 }  // namespace
+
+RegistrySection::~RegistrySection() { Registry::Instance().SetKeeper(nullptr); }
 
 Json RegistrySection::ToJson() const { return RegistryToJson(Registry::Instance().Content()); }
 
@@ -30,6 +38,11 @@ void RegistrySection::Reset() { Expect(Registry::Instance().Replace(DefaultRegis
 
 void RegistrySection::Restore(const Json& whole) {
   Expect(Registry::Instance().Replace(MergeRegistry(EmptyRegistry(), whole)));
+}
+
+void RegistrySection::SetKeeper(const Keeper& keeper) {
+  Registry::Instance().SetKeeper(
+      [keeper](const RegistryContent& content) { return ErrorCode(keeper(RegistryToJson(content))); });
 }
 
 }  // namespace host::instrument

@@ -1,20 +1,22 @@
 #include "instrument/registry_value_json.h"
 
-#include <algorithm>
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "instrument/json_values.h"
 #include "posix/text/hex.h"
 #include "posix/text/utf.h"
 
 namespace host::instrument {
 namespace {
 
-std::vector<BYTE> ValueOfHex(const Json& json) {
-  const auto bytes = json.is_string() ? BytesOfHex(json.get_ref<const std::string&>()) : std::nullopt;
-  if (!bytes) throw StateError("value: a text of pairs of hexadecimal digits is expected");
-  return *bytes;
+std::vector<BYTE> BytesOfValue(const Json& json) {
+  try {
+    return BytesOf(json);
+  } catch (const StateError& error) {
+    throw StateError(std::string("value: ") + error.what());
+  }
 }
 
 /// The text of a value that holds exactly one, zero-terminated and well-formed.
@@ -38,12 +40,6 @@ std::vector<BYTE> BytesOfText(const Json& json) {
   return bytes;
 }
 
-bool IsWhole(const Json& json, std::int64_t lowest, std::int64_t highest) {
-  if (!json.is_number_integer()) return false;
-  if (json.is_number_unsigned() && json.get<std::uint64_t>() > static_cast<std::uint64_t>(highest)) return false;
-  return json.get<std::int64_t>() >= lowest && json.get<std::int64_t>() <= highest;
-}
-
 std::vector<BYTE> BytesOfInteger(const Json& json) {
   if (!IsWhole(json, INT32_MIN, INT32_MAX)) throw StateError("value: a whole number of 32 bits, signed, is expected");
   const auto number = json.get<std::int32_t>();
@@ -55,7 +51,7 @@ std::vector<BYTE> BytesOfInteger(const Json& json) {
 }  // namespace
 
 Json RegistryValueToJson(const RegistryValue& value) {
-  if (value.type == REG_BINARY) return {{"type", "BIN"}, {"value", HexText(value.data.data(), value.data.size())}};
+  if (value.type == REG_BINARY) return {{"type", "BIN"}, {"value", HexOf(value.data)}};
   if (value.type == REG_DWORD && value.data.size() == sizeof(std::int32_t)) {
     std::int32_t number;
     std::memcpy(&number, value.data.data(), sizeof number);
@@ -64,7 +60,7 @@ Json RegistryValueToJson(const RegistryValue& value) {
   if (const auto text = value.type == REG_SZ ? TextOf(value.data) : std::nullopt) {
     return {{"type", "STR"}, {"value", *text}};
   }
-  return {{"type", value.type}, {"value", HexText(value.data.data(), value.data.size())}};
+  return {{"type", value.type}, {"value", HexOf(value.data)}};
 }
 
 RegistryValue RegistryValueFromJson(const Json& json) {
@@ -74,9 +70,9 @@ RegistryValue RegistryValueFromJson(const Json& json) {
   const Json& value = json["value"];
   if (type == "INT") return {{}, REG_DWORD, BytesOfInteger(value)};
   if (type == "STR") return {{}, REG_SZ, BytesOfText(value)};
-  if (type == "BIN") return {{}, REG_BINARY, ValueOfHex(value)};
+  if (type == "BIN") return {{}, REG_BINARY, BytesOfValue(value)};
   if (!IsWhole(type, 0, UINT32_MAX)) throw StateError("type: INT, STR, BIN or a type's number is expected");
-  return {{}, type.get<DWORD>(), ValueOfHex(value)};
+  return {{}, type.get<DWORD>(), BytesOfValue(value)};
 }
 
 }  // namespace host::instrument

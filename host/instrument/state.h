@@ -4,6 +4,7 @@
 #ifndef QXHOST_INSTRUMENT_STATE_H
 #define QXHOST_INSTRUMENT_STATE_H
 
+#include <functional>
 #include <mutex>
 #include <nlohmann/json_fwd.hpp>
 #include <stdexcept>
@@ -41,6 +42,14 @@ class StateSection {
   virtual void Reset() = 0;
   /// Back to what ToJson once gave. Throws StateError, with nothing changed, when it cannot have given this.
   virtual void Restore(const Json& whole);
+
+  /// Whether its content outlasts the instrument's being switched off.
+  virtual bool Persists() const { return false; }
+  /// Keeps the content that a change leads to, as ToJson will give it, before the change is seen and its call returns.
+  /// Returns 0, or errno to refuse the change with. Called with the section's changes held up; must not change it.
+  using Keeper = std::function<int(const Json&)>;
+  /// For sections that persist; the others have nothing to keep. It may be called until the section goes.
+  virtual void SetKeeper(const Keeper&) {}
 };
 
 /// The document. Any thread; changes are made one after the other.

@@ -35,6 +35,14 @@ struct QxMeasurementStatus {
   std::uint32_t unused[7];
 };
 
+std::int32_t WINAPI QxSystemGetIntegerParameter(std::int32_t index, std::int32_t* value);
+std::int32_t WINAPI QxSystemSetIntegerParameter(std::int32_t index, std::int32_t value);
+std::int32_t WINAPI QxSystemGetDoubleParameter(std::int32_t index, double* value);
+std::int32_t WINAPI QxSystemSetDoubleParameter(std::int32_t index, double value);
+std::int32_t WINAPI QxSystemGetEdmCode(std::int32_t index, std::int32_t* code);
+std::int32_t WINAPI QxSystemSetEdmCode(std::int32_t index, std::int32_t code);
+std::int32_t WINAPI QxSystemReadStoreItem(std::uint32_t item, void* value);
+std::int32_t WINAPI QxSystemWriteStoreItem(std::uint32_t item, const void* value);
 std::int32_t WINAPI QxSystemStartDistance(std::uint32_t mode, std::uint32_t target);
 std::int32_t WINAPI QxSystemStopDistance();
 std::int32_t WINAPI QxSystemGetAngles(QxAngleRecord* record, std::int32_t flag);

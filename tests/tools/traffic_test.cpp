@@ -119,7 +119,7 @@ TEST(TrafficLogTest, TellsNoMoreAfterUnsubscribing) {
 
 TEST(LineTextTest, ShowsControlBytesAsEscapesAndLettersOfTheCodePage) {
   EXPECT_EQ(qxsim::ReadableText(std::string("a\0\x1B\x7F\xE4", 5)), "a\\x00\\x1B\\x7F\xC3\xA4");
-  EXPECT_EQ(qxsim::HexText(std::string("\0\xAB", 2)), "00AB");
+  EXPECT_EQ(qxsim::HexOf(std::string("\0\xAB", 2)), "00AB");
 }
 
 }  // namespace

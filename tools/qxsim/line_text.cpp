@@ -36,7 +36,7 @@ std::string ReadableText(std::string_view bytes) {
   return text;
 }
 
-std::string HexText(std::string_view bytes) {
+std::string HexOf(std::string_view bytes) {
   std::string text;
   for (const char byte : bytes) AppendHex(static_cast<unsigned char>(byte), &text);
   return text;

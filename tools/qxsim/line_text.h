@@ -11,7 +11,7 @@ namespace qxsim {
 std::string ReadableText(std::string_view bytes);
 
 /// "0A1B": two upper-case digits a byte.
-std::string HexText(std::string_view bytes);
+std::string HexOf(std::string_view bytes);
 
 /// A time in milliseconds, to the microsecond.
 double ShownTime(double milliseconds);

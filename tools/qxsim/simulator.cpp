@@ -1,19 +1,16 @@
 #include "qxsim/simulator.h"
 
-#include <cerrno>
 #include <chrono>
 #include <nlohmann/json.hpp>
 
 #include "instrument/battery.h"
 #include "instrument/drivers.h"
 #include "instrument/focus_side.h"
-#include "instrument/registry_json.h"
 #include "posix/calls/calls.h"
 #include "posix/disk/file_root.h"
 #include "posix/files/program_files.h"
 #include "posix/kernel/named_objects.h"
 #include "posix/ports/ports.h"
-#include "posix/registry/registry.h"
 #include "posix/system/programs.h"
 #include "posix/text/code_pages.h"
 #include "qxsim/api/routes.h"
@@ -25,7 +22,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kKeyPatience{10000};
 constexpr std::chrono::milliseconds kKeyLook{50};
-constexpr const char* kRegistry = "registry";
 
 // The library keeps its window list by name until the process ends. So a further simulator in the same process shares
 // its objects with the first one.
@@ -34,11 +30,6 @@ void UseObjects(const std::string& folder) {
     host::SetObjectNamespace(folder);
   } catch (const std::logic_error&) {
   }
-}
-
-DWORD ErrorCode(int error) {
-  if (error == 0) return ERROR_SUCCESS;
-  return error == ENOSPC || error == EDQUOT ? ERROR_DISK_FULL : ERROR_REGISTRY_IO_FAILED;
 }
 
 }  // namespace
@@ -64,7 +55,6 @@ Simulator::Platform::Platform(Simulator& simulator) {
 }
 
 Simulator::Platform::~Platform() {
-  host::Registry::Instance().SetKeeper(nullptr);
   host::SetCallObserver(nullptr);
   host::SetPortObserver(nullptr);
   host::EnableCallLog(false);
@@ -104,12 +94,13 @@ Simulator::~Simulator() { Close(); }
 // The defaults are in place; what the home keeps takes theirs. From here on a change is kept before its call returns.
 void Simulator::KeepState() {
   for (const auto& section : sections_) {
-    if (section->Name() == kRegistry) persistent_.Add(*section);
+    if (section->Persists()) persistent_.Add(*section);
   }
   persistent_.Begin();
-  host::Registry::Instance().SetKeeper([this](const host::RegistryContent& content) {
-    return ErrorCode(persistent_.Save(kRegistry, host::instrument::RegistryToJson(content)));
-  });
+  for (const auto& section : sections_) {
+    const std::string name = section->Name();
+    section->SetKeeper([this, name](const host::instrument::Json& content) { return persistent_.Save(name, content); });
+  }
 }
 
 void Simulator::OpenService() {

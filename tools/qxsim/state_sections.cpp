@@ -9,6 +9,7 @@
 #include "instrument/field_section.h"
 #include "instrument/measuring_sections.h"
 #include "instrument/registry_section.h"
+#include "instrument/stored_sections.h"
 #include "instrument/time_zones.h"
 #include "posix/kernel/handles.h"
 #include "posix/ports/ports.h"
@@ -52,11 +53,15 @@ std::vector<std::unique_ptr<host::instrument::StateSection>> MakeStateSections(A
   const auto add = [&sections](const char* name, std::vector<Field> fields) {
     sections.push_back(std::make_unique<FieldSection>(name, std::move(fields)));
   };
-  sections.push_back(std::make_unique<host::instrument::RegistrySection>());
+  sections.push_back(host::instrument::MakeParametersSection());
   sections.push_back(host::instrument::MakeBatterySection());
+  sections.push_back(host::instrument::MakeFocusSection());
+  sections.push_back(host::instrument::MakeStoreSection());
+  sections.push_back(host::instrument::MakeParameterBlocksSection());
   for (auto& section : host::instrument::MakeDeviceSections()) sections.push_back(std::move(section));
   sections.push_back(host::instrument::MakeClockSection(host::instrument::FindTimeZone));
   sections.push_back(host::instrument::MakeSystemSection());
+  sections.push_back(std::make_unique<host::instrument::RegistrySection>());
   add("event_window", EventWindowFields(application));
   add("ports", {BoolField("shared", host::PortsShared, host::SharePorts, false)});
   add("resources", ResourceFields(application));

@@ -89,7 +89,7 @@ ListedCall::ListedCall(const char* library, CallName call, CallValues args) {
   log.ring[place_ % kCallLogCapacity] = {n_, MillisecondsSinceStart(), library, call, std::move(args), {}, false};
 }
 
-void ListedCall::Returned(CallValue result) {
+void ListedCall::Returned(CallValue result, const CallValues& told) {
   if (n_ == 0) return;
   CallLog& log = Log();
   CallRecord record;
@@ -98,6 +98,7 @@ void ListedCall::Returned(CallValue result) {
     Slot& slot = log.ring[place_ % kCallLogCapacity];
     if (slot.n != n_) return;  // the ring has come round while the call was under way
     slot.result = std::move(result);
+    slot.args.insert(slot.args.end(), told.begin(), told.end());
     slot.returned = true;
     if (log.observer) record = ToRecord(slot);
   }

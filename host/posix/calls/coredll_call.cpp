@@ -6,7 +6,7 @@ namespace host {
 
 void AppendStructure(const void* bytes, std::size_t size, CallValues* values) {
   if (bytes == nullptr) return AppendPointer(bytes, values);
-  values->emplace_back(HexText(bytes, size));
+  values->emplace_back(HexOf(bytes, size));
 }
 
 }  // namespace host

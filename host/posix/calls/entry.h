@@ -60,12 +60,27 @@ struct CallResult<std::string> {
   static std::string Failed(std::int64_t) { return {}; }
 };
 
+/// A result with arguments that only the call's return tells, such as the bytes it has read: they are listed behind the
+/// others.
+template <class Result>
+struct Answer {
+  Result result;
+  CallValues told;
+};
+
+template <class Result>
+struct CallResult<Answer<Result>> {
+  static CallValue Listed(const Answer<Result>& answer) { return CallResult<Result>::Listed(answer.result); }
+  static Answer<Result> Failed(std::int64_t number) { return {CallResult<Result>::Failed(number), {}}; }
+};
+
 /// One call's line in the log: made when the call is made, completed when it returns.
 class ListedCall {
  public:
   ListedCall(const char* library, CallName call, CallValues args);
   /// Completes the line and shows it to the observer. A line that is never completed holds back all later ones.
-  void Returned(CallValue result);
+  /// \param told  further arguments
+  void Returned(CallValue result, const CallValues& told = {});
 
  private:
   std::uint64_t n_ = 0;  // 0: neither log nor observer wanted it
@@ -102,6 +117,15 @@ class FunctionRef {
   Value (*call_)(const void*);
 };
 
+template <class Result>
+CallValues Told(const Result&) {
+  return {};
+}
+template <class Result>
+CallValues Told(const Answer<Result>& answer) {
+  return answer.told;
+}
+
 struct CallView {
   const char* library;
   CallName call;
@@ -126,7 +150,7 @@ template <class Real>
     if (record) record->Returned(nullptr);
   } else {
     Result result = fault ? CallResult<Result>::Failed(*fault) : real();
-    if (record) record->Returned(CallResult<Result>::Listed(result));
+    if (record) record->Returned(CallResult<Result>::Listed(result), Told(result));
     return result;
   }
 }

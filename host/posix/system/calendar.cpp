@@ -91,4 +91,11 @@ BOOL FileTimeToSystemTime(const FILETIME* time, LPSYSTEMTIME calendar) {
   return TRUE;
 }
 
+BOOL SystemTimeToFileTime(const SYSTEMTIME* calendar, LPFILETIME time) {
+  const bool good = calendar != nullptr && time != nullptr && IsCalendarTime(*calendar);
+  if (!good) return Fail(ERROR_INVALID_PARAMETER, FALSE);
+  *time = FileTimeOf(MsOfCalendar(*calendar) * kTicksPerMs);
+  return TRUE;
+}
+
 }  // namespace host

@@ -39,6 +39,9 @@ FILETIME FileTimeOf(std::int64_t ticks);
 
 /// FALSE with last error 87 for a null pointer and for a time with the highest bit set.
 BOOL FileTimeToSystemTime(const FILETIME* time, LPSYSTEMTIME calendar);
+/// Its inverse; the day of the week is not looked at. FALSE with last error 87 for a null pointer and for what is no
+/// date and time of the years 1601 to 30827.
+BOOL SystemTimeToFileTime(const SYSTEMTIME* calendar, LPFILETIME time);
 
 }  // namespace host
 

@@ -32,4 +32,8 @@ BOOL FileTimeToSystemTime(const FILETIME* time, LPSYSTEMTIME calendar) {
   return CoreDllCall("FileTimeToSystemTime", kUnlisted, host::FileTimeToSystemTime, time, calendar);
 }
 
+BOOL SystemTimeToFileTime(const SYSTEMTIME* calendar, LPFILETIME time) {
+  return CoreDllCall("SystemTimeToFileTime", kUnlisted, host::SystemTimeToFileTime, calendar, time);
+}
+
 }  // extern "C"

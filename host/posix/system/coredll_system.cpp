@@ -1,13 +1,15 @@
-// COREDLL: power, as the library calls it.
+// COREDLL: power and the system's language, as the library calls it.
 #include <windows.h>
 
 #include "posix/calls/ce_calls.h"
 #include "posix/calls/coredll_call.h"
+#include "posix/system/identity.h"
 #include "posix/system/power.h"
 
 using host::CoreDllCall;
 using host::FailsWith;
 using host::kListed;
+using host::kUnlisted;
 
 extern "C" {
 
@@ -17,5 +19,7 @@ DWORD SetSystemPowerState(LPCWSTR state_name, DWORD state_flags, DWORD options) 
 }
 
 void SystemIdleTimerReset(void) { CoreDllCall("SystemIdleTimerReset", kListed, host::SystemIdleTimerReset); }
+
+LANGID GetSystemDefaultLangID(void) { return CoreDllCall("GetSystemDefaultLangID", kUnlisted, host::SystemLanguage); }
 
 }  // extern "C"

@@ -1,4 +1,4 @@
-// Bytes as hexadecimal text, two digits each.
+// Bytes as hexadecimal text, two digits each: upper-case when written, either case when read.
 #ifndef QXHOST_POSIX_TEXT_HEX_H
 #define QXHOST_POSIX_TEXT_HEX_H
 
@@ -11,10 +11,13 @@
 
 namespace host {
 
-/// In upper-case digits.
-std::string HexText(const void* bytes, std::size_t size);
+std::string HexOf(const void* bytes, std::size_t size);
+inline std::string HexOf(const std::vector<std::uint8_t>& bytes) { return HexOf(bytes.data(), bytes.size()); }
 
-/// Digits of either case; nothing when the text is not just pairs of digits.
+/// The digit's value, or -1.
+int HexDigitValue(char digit);
+
+/// Nothing for an odd number of digits and for anything that is no digit.
 std::optional<std::vector<std::uint8_t>> BytesOfHex(std::string_view text);
 
 }  // namespace host

@@ -60,7 +60,7 @@ Response CallService(Application& application, const Request& request) {
   }
   Json answer = {{"result", result->result}};
   if (result->text) answer["text"] = *result->text;
-  if (result->record) answer["record"] = HexText(*result->record);
+  if (result->record) answer["record"] = HexOf(*result->record);
   return JsonResponse(answer);
 }
 

@@ -109,7 +109,7 @@ Response ShowBlock(const Request& request) {
   if (!bytes) throw ApiError(kNotFound, "no such block");
   return JsonResponse({{"name", name->second},
                        {"size", bytes->size()},
-                       {"bytes", HexText({reinterpret_cast<const char*>(bytes->data()), bytes->size()})}});
+                       {"bytes", HexOf({reinterpret_cast<const char*>(bytes->data()), bytes->size()})}});
 }
 
 }  // namespace

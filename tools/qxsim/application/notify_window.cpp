@@ -50,7 +50,7 @@ std::string NotifyWindow::FetchRecord() {
   call.name = plan_.fetch;
   call.handle = Service();
   const auto fetched = services_.Call(call);
-  return fetched ? HexText(fetched->record.value_or("")) : std::string();
+  return fetched ? HexOf(fetched->record.value_or("")) : std::string();
 }
 
 void NotifyWindow::Take(std::uint32_t milliseconds) {
