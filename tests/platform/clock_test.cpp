@@ -2,6 +2,11 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <array>
+#include <cstring>
+#include <random>
+#include <vector>
+
 #include "times.h"
 
 namespace platform_test {
@@ -9,6 +14,7 @@ namespace {
 
 constexpr std::uint64_t kTicksPerSecond = 10000000;
 constexpr std::uint64_t kTicksPerHour = 3600 * kTicksPerSecond;
+constexpr std::uint64_t kTicksPerMs = kTicksPerSecond / 1000;
 constexpr std::int64_t kPatience = 60;  // seconds that a busy machine may take for a test
 
 class ClockTest : public testing::Test {
@@ -120,6 +126,79 @@ TEST(FileTimes, WithTheHighestBitSetAreRefused) {
   SetLastError(ERROR_SUCCESS);
   EXPECT_FALSE(FileTimeToSystemTime(&negative, &calendar));
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+}
+
+TEST(FileTimes, ComeFromCalendarTimesBackAgain) {
+  for (const SYSTEMTIME& time : {At(1601, 1, 1), At(1899, 12, 30), At(2000, 2, 29, 23, 59, 59, 999), At(2024, 1, 31, 9),
+                                 At(30827, 12, 31, 23, 59, 59, 999)}) {
+    FILETIME file = {};
+    ASSERT_TRUE(SystemTimeToFileTime(&time, &file)) << Text(time);
+    EXPECT_EQ(Ticks(file),
+              static_cast<std::uint64_t>(Seconds(time)) * kTicksPerSecond + time.wMilliseconds * kTicksPerMs);
+  }
+}
+
+TEST(FileTimes, DoNotDependOnTheDayOfTheWeekGiven) {
+  SYSTEMTIME time = At(2024, 1, 31);
+  for (const WORD day : {WORD{0}, WORD{6}, WORD{7}, WORD{65535}}) {
+    time.wDayOfWeek = day;
+    FILETIME file = {};
+    EXPECT_TRUE(SystemTimeToFileTime(&time, &file));
+    EXPECT_EQ(Ticks(file), static_cast<std::uint64_t>(Seconds(time)) * kTicksPerSecond);
+  }
+}
+
+TEST(FileTimes, AreNotMadeOfWhatIsNoDateOrTime) {
+  for (const SYSTEMTIME& time :
+       {At(2023, 2, 29), At(1900, 2, 29), At(2024, 2, 30), At(2024, 0, 1), At(2024, 13, 1), At(2024, 1, 0),
+        At(2024, 4, 31), At(2024, 1, 32), At(1600, 12, 31), At(0, 1, 1), At(30828, 1, 1), At(65535, 1, 1),
+        At(2024, 1, 31, 24), At(2024, 1, 31, 12, 60), At(2024, 1, 31, 12, 0, 60), At(2024, 1, 31, 12, 0, 0, 1000)}) {
+    FILETIME file = FileTime(77);
+    SetLastError(ERROR_SUCCESS);
+    EXPECT_FALSE(SystemTimeToFileTime(&time, &file)) << Text(time);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER)) << Text(time);
+    EXPECT_EQ(Ticks(file), 77u);
+  }
+}
+
+/// The calendar day by day: how many days are before each year, and before each month of a year.
+struct DayTable {
+  DayTable() {
+    std::uint64_t days = 0;
+    for (int year = 1601; year <= 30828; days += IsLeap(year++) ? 366 : 365) before_year.push_back(days);
+  }
+  static bool IsLeap(int year) { return year % 400 == 0 || (year % 4 == 0 && year % 100 != 0); }
+  static int Length(int year, int month) {
+    constexpr std::array<int, 12> kLengths = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    return kLengths[static_cast<std::size_t>(month - 1)] + (month == 2 && IsLeap(year) ? 1 : 0);
+  }
+  std::uint64_t Days(int year, int month, int day) const {
+    std::uint64_t days = before_year[static_cast<std::size_t>(year - 1601)] + static_cast<std::uint64_t>(day - 1);
+    for (int before = 1; before < month; ++before) days += static_cast<std::uint64_t>(Length(year, before));
+    return days;
+  }
+  std::vector<std::uint64_t> before_year;
+};
+
+TEST(FileTimes, OfAMillionDatesAreThoseOfACalendarAndTurnBack) {
+  const DayTable table;
+  std::mt19937 random(20240131);
+  for (int round = 0; round < 1000000; ++round) {
+    const int year = 1601 + static_cast<int>(random() % (round % 2 == 0 ? 500 : 29227));
+    const int month = 1 + static_cast<int>(random() % 12);
+    const int day = 1 + static_cast<int>(random() % static_cast<unsigned>(DayTable::Length(year, month)));
+    const std::uint32_t ms = random() % 86400000;
+    SYSTEMTIME time = At(year, month, day, static_cast<int>(ms / 3600000), static_cast<int>(ms / 60000 % 60),
+                         static_cast<int>(ms / 1000 % 60), static_cast<int>(ms % 1000));
+    const std::uint64_t days = table.Days(year, month, day);
+    time.wDayOfWeek = static_cast<WORD>((days + 1) % 7);
+    FILETIME file = {};
+    SYSTEMTIME back = {};
+    ASSERT_TRUE(SystemTimeToFileTime(&time, &file)) << Text(time);
+    ASSERT_EQ(Ticks(file), (days * 86400000 + ms) * kTicksPerMs) << Text(time);
+    ASSERT_TRUE(FileTimeToSystemTime(&file, &back));
+    ASSERT_EQ(std::memcmp(&back, &time, sizeof back), 0) << Text(time) << " came back as " << Text(back);
+  }
 }
 
 }  // namespace

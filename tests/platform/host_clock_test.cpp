@@ -133,6 +133,8 @@ TEST_F(VirtualClock, RefusesNull) {
   SYSTEMTIME calendar = {};
   EXPECT_FALSE(FileTimeToSystemTime(nullptr, &calendar));
   EXPECT_FALSE(FileTimeToSystemTime(&file, nullptr));
+  EXPECT_FALSE(SystemTimeToFileTime(nullptr, &file));
+  EXPECT_FALSE(SystemTimeToFileTime(&calendar, nullptr));
   EXPECT_FALSE(FileTimeToLocalFileTime(nullptr, &file));
   EXPECT_FALSE(FileTimeToLocalFileTime(&file, nullptr));
   GetLocalTime(nullptr);

@@ -6,10 +6,8 @@
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <random>
-#include <sstream>
 #include <thread>
 
 #include "instrument/registry_json.h"
@@ -18,7 +16,7 @@
 #include "qxsim/persistent_state.h"
 #include "qxsim/start_error.h"
 #include "support/qxsim_process.h"
-#include "tools/simulator_test.h"
+#include "tools/kept_home.h"
 
 namespace qxtest {
 namespace {
@@ -32,14 +30,6 @@ using qxsim::PersistentState;
 const Json kPatch = Json::parse(R"({"registry": {"HKLM/Software/X": {"Level": {"type": "INT", "value": 3}},
                                     "HKLM/Time Zones/Tokyo Standard Time": null}})");
 
-std::string Content(const fs::path& file) {
-  std::ostringstream text;
-  text << std::ifstream(file).rdbuf();
-  return text.str();
-}
-
-void Fill(const fs::path& file, const std::string& text) { std::ofstream(file) << text; }
-
 LONG Store(const char16_t* name, std::uint32_t number) {
   HKEY key = nullptr;
   const LONG opened =
@@ -49,25 +39,6 @@ LONG Store(const char16_t* name, std::uint32_t number) {
   RegCloseKey(key);
   return error;
 }
-
-class PersistenceTest : public SimulatorTest {
- protected:
-  PersistenceTest() {
-    simulator_.reset();
-    options_.ephemeral = false;
-    options_.home = folder_ / "home";
-    Start();
-  }
-  void Restart() {
-    simulator_.reset();
-    Start();
-  }
-  fs::path File() const { return options_.home + "/state.json"; }
-  Json Kept() const { return Json::parse(Content(File())); }
-  std::size_t Entries() const {
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(options_.home), fs::directory_iterator()));
-  }
-};
 
 TEST_F(PersistenceTest, AFreshHomeHoldsTheDefaults) {
   EXPECT_EQ(Kept()["registry"], State()["registry"]);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "instrument/battery.h"
+#include "instrument/instrument_libraries.h"
 #include "posix/calls/ce_calls.h"
 #include "posix/system/identity.h"
 #include "posix/system/power.h"
@@ -240,6 +241,27 @@ TEST_F(SystemSection, SetsRevisionAndLanguage) {
   EXPECT_EQ(host::OsRevision(), 0xFF000180u);
   EXPECT_EQ(host::SystemLanguage(), 1041);
   EXPECT_EQ(State()["system"]["os_revision"], (Json{255, 0, 1, 128}));
+}
+
+TEST_F(SystemSection, IsWhatTheLibraryIsTold) {
+  Patch("system", {{"os_revision", {255, 0, 1, 128}}, {"language", 1041}});
+  const std::uint64_t since = NextCall();
+  EXPECT_EQ(GetProductOSRevision(), 0xFF000180u);
+  EXPECT_EQ(GetSystemDefaultLangID(), 1041);
+  const Json calls = CallsSince(since);
+  ASSERT_EQ(calls.size(), 1u);
+  EXPECT_EQ(calls[0]["library"], "OPVLIB");
+  EXPECT_EQ(calls[0]["call"], "GetProductOSRevision");
+  EXPECT_EQ(calls[0]["args"], Json::array());
+  EXPECT_EQ(calls[0]["result"], 0xFF000180u);
+}
+
+TEST_F(SystemSection, LetsFaultsReachTheCalls) {
+  Ask("POST", "/faults", {{"library", "OPVLIB"}, {"call", "GetProductOSRevision"}, {"result", 5}});
+  Ask("POST", "/faults", {{"library", "COREDLL"}, {"call", "GetSystemDefaultLangID"}, {"result", 1041}});
+  EXPECT_EQ(GetProductOSRevision(), 5u);
+  EXPECT_EQ(GetSystemDefaultLangID(), 1041);
+  EXPECT_EQ(GetSystemDefaultLangID(), 1033);
 }
 
 TEST_F(SystemSection, RefusesWhatIsNoValueOfTheirs) {
