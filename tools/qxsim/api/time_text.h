@@ -11,7 +11,8 @@ namespace qxsim {
 /// Fractions of a second are left out.
 std::string TimeText(const FILETIME& time);
 
-/// The years 1980 to 2107 of UTC, which the instrument's disk can keep. Throws ApiError(400) for anything but such a time.
+/// The years 1980 to 2107 of UTC, which the instrument's disk can keep. Throws ApiError(400) for anything but such a
+/// time.
 FILETIME TimeFrom(const std::string& text);
 
 }  // namespace qxsim
