@@ -1,5 +1,7 @@
 #include "instrument/radio.h"
 
+#include <initializer_list>
+
 #include "posix/calls/entry.h"
 
 namespace host::instrument {
@@ -65,9 +67,9 @@ namespace {
 
 /// One call of the Bluetooth library by its ordinal.
 template <class Work>
-int RadioCall(int ordinal, host::CallValues arguments, Work work) {
+int RadioCall(int ordinal, std::initializer_list<host::CallValue> arguments, Work work) {
   return host::Entry(
-      "BTHUTIL", ordinal, true, [&] { return arguments; }, [&] { return static_cast<int>(work()); },
+      "BTHUTIL", ordinal, true, [&] { return host::CallValues(arguments); }, [&] { return static_cast<int>(work()); },
       host::FailsWith::kErrorCode);
 }
 

@@ -29,9 +29,7 @@ std::uint8_t High(unsigned word) { return static_cast<std::uint8_t>(word >> 8); 
 std::uint16_t Word(std::uint8_t high, std::uint8_t low) { return static_cast<std::uint16_t>(high << 8 | low); }
 
 Bytes VersionAnswer(std::uint8_t first, const Version& version) {
-  Bytes answer = {first};
-  answer.insert(answer.end(), version.begin(), version.end());
-  return answer;
+  return {first, version[0], version[1], version[2], version[3]};
 }
 
 }  // namespace

@@ -4,7 +4,7 @@ namespace qxcm {
 
 namespace {
 
-using Query = std::int32_t(WINAPI*)(BatteryLevels* levels);
+using Query = std::int32_t(WINAPI*)(std::uint32_t* words);
 
 Query FindQuery() {
   const HMODULE library = GetModuleHandleW(TEXT("QxSystem.dll"));
@@ -19,7 +19,10 @@ DWORD BatteryEventMask() { return QX_BATTERY_EVENT_MASK; }
 
 void QueryBattery(BatteryLevels* levels) {
   const Query query = QX_BATTERY_QUERY_ORDINAL == 0 ? nullptr : FindQuery();
-  if (query != nullptr) query(levels);
+  if (query == nullptr) return;
+  std::uint32_t words[] = {levels->left, levels->right, levels->external, levels->source};
+  query(words);
+  *levels = {words[0], words[1], words[2], words[3]};
 }
 
 }  // namespace qxcm

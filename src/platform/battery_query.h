@@ -9,7 +9,7 @@
 
 namespace qxcm {
 
-/// As the system library fills it. Levels in per cent; source: 0 left, 1 right, 2 external.
+/// In the order the system library has them. Levels in per cent; source: 0 left, 1 right, 2 external.
 struct BatteryLevels {
   std::uint32_t left;
   std::uint32_t right;

@@ -230,7 +230,9 @@ std::uint32_t StoreAndKill(const std::string& file, std::uint32_t first, bool on
   if (child == 0) StoreUntilKilled(file, pipe_ends[1], first);
   close(pipe_ends[1]);
   std::uint32_t last = first - 1;
-  if (once_told) EXPECT_EQ(read(pipe_ends[0], &last, sizeof last), ssize_t{sizeof last});
+  if (once_told) {
+    EXPECT_EQ(read(pipe_ends[0], &last, sizeof last), ssize_t{sizeof last});
+  }
   const auto end = std::chrono::steady_clock::now() + life;
   while (std::chrono::steady_clock::now() < end) {
   }

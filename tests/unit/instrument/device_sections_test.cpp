@@ -145,7 +145,8 @@ TEST_F(SensorsSection, FaultsAndCallsOfTheBusGoThroughTheApi) {
   EXPECT_TRUE(write());
   EXPECT_TRUE(CloseHandle(bus));
   Json results = Json::array();
-  for (const Json& call : Ask("GET", "/calls?since=" + std::to_string(since))["calls"]) {
+  const Json calls = Ask("GET", "/calls?since=" + std::to_string(since))["calls"];
+  for (const Json& call : calls) {
     if (call["library"] != "I2C5:" || call["call"] != "write") continue;
     EXPECT_EQ(call["args"], (Json{16, "081102", 0}));
     results.push_back(call["result"]);
