@@ -39,7 +39,7 @@ Woken WaitForEither(const Event& first, const Event& second) {
       return Woken::kFirst;
     case WAIT_OBJECT_0 + 1:
     case WAIT_ABANDONED_0 + 1:
-      return Woken::kSecond;
+      return first.WasSet() ? Woken::kFirst : Woken::kSecond;  // the platform may have refused to set the first
     case WAIT_TIMEOUT:
       break;
     default:

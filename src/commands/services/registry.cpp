@@ -4,7 +4,6 @@
 //   C<DL_REG,KEY=HKLM/Software/X>                          ->  ACK
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <vector>
@@ -58,9 +57,14 @@ std::int32_t Result(bool done) { return done ? kDone : kFailed; }
 
 using Bytes = std::vector<std::uint8_t>;
 
+/// As many as there are, `count` at most.
+void CopyBytes(const Bytes& bytes, std::size_t count, void* to) {
+  std::copy_n(bytes.begin(), std::min(bytes.size(), count), static_cast<std::uint8_t*>(to));
+}
+
 std::optional<std::string> StringText(const Bytes& bytes) {
   WideText wide(bytes.size() / sizeof(WCHAR), WCHAR());
-  std::memcpy(wide.data(), bytes.data(), wide.size() * sizeof(WCHAR));
+  CopyBytes(bytes, wide.size() * sizeof(WCHAR), wide.data());
   std::string narrow = NarrowText(wide);
   if (narrow.size() > kLongestValue) return std::nullopt;
   return narrow;
@@ -75,7 +79,7 @@ std::optional<std::string> BinaryText(const Bytes& bytes) {
 
 std::optional<std::string> IntegerText(const Bytes& bytes) {
   std::int32_t value = 0;
-  std::memcpy(&value, bytes.data(), std::min(bytes.size(), sizeof value));
+  CopyBytes(bytes, sizeof value, &value);
   return std::to_string(value);
 }
 
