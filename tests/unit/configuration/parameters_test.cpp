@@ -106,14 +106,14 @@ TEST_F(ST_PRM, StopsAtTheFirstParameterTheInstrumentRefuses) {
 }
 
 TEST_F(ST_PRM, TakesEveryStatusButZeroForARefusal) {
-  for (const int ordinal : {2, 4, 47}) {
-    for (const int status : {1, -1, -101}) service_.Fail(ordinal, status, static_cast<std::uint64_t>(1), 1);
+  for (const int status : {1, -1, -101}) {
+    for (const int ordinal : {2, 4, 47}) service_.Fail(ordinal, status);
+    for (const char* field : {"CR_TLT=4", "CR_T-P=4", "CR_AXS=4", "FT_TMP=4", "FT_PRS=4", "AC_EDM=0"}) {
+      EXPECT_EQ(Answer(std::string("ST_PRM,") + field), "ER_PRM") << field << status;
+    }
+    host::ClearFaults();
   }
-  for (const char* field : {"CR_TLT=4", "CR_T-P=4", "CR_AXS=4", "FT_TMP=4", "FT_PRS=4", "FT_TMP=5", "AC_EDM=0"}) {
-    EXPECT_EQ(Answer(std::string("ST_PRM,") + field), "ER_PRM") << field;
-  }
-  EXPECT_EQ(service_.parameters().integers, ParameterValues().integers);
-  EXPECT_EQ(service_.parameters().doubles, ParameterValues().doubles);
+  EXPECT_EQ(Answer(kAllKeys), "PRM,CR_TLT=1,CR_T-P=1,CR_AXS=1,FT_TMP=15.0000,FT_PRS=1013.2500,AC_EDM=ATO");
   EXPECT_EQ(Notices(), Texts{});
 }
 
