@@ -153,6 +153,11 @@ TEST_F(RD_PBK, AnswersTheLongestEntry) {
   EXPECT_EQ(Read(8), Value(8, value));
 }
 
+TEST_F(RD_PBK, IsRefusedForALengthThatTheRecordCannotHold) {
+  service_.SetBlock(8, std::string(510, '1'));
+  EXPECT_EQ(Read(8), "ER_PRM");
+}
+
 TEST_F(RD_PBK, IsRefusedWhenThePlatformFails) {
   service_.Fail(61);
   service_.FailCalls("ParamBlk", "GetParameterItem");
@@ -202,6 +207,13 @@ TEST_F(WR_PBK, WritesTheLongestEntry) {
   const std::string value = RandomDigits(generator, 254);
   EXPECT_EQ(Write(8, value), "ok");
   EXPECT_EQ(service_.Block(8), value);
+}
+
+TEST_F(WR_PBK, IsRefusedForALengthThatTheRecordCannotHold) {
+  service_.SetBlock(8, std::string(510, '1'));
+  EXPECT_EQ(Write(8, std::string(510, '2')), "ER_PRM");
+  EXPECT_EQ(service_.Block(8), std::string(510, '1'));
+  EXPECT_EQ(Calls(), (Texts{"GetParameterItem(8, " + std::string(508, '1') + ")"}));
 }
 
 TEST_F(WR_PBK, IsRefusedWithoutANumberOrAValue) {
