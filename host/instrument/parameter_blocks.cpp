@@ -35,13 +35,18 @@ void MergeEntry(const std::string& name, const Json& patch, ParameterBlocks* blo
   (*blocks)[number] = std::move(bytes);
 }
 
+/// Of an entry of 255 bytes, which only a test can make, the record tells the length and holds one less.
+std::size_t HeldBytes(const ParameterRecord& record) {
+  return std::min<std::size_t>(record.length, kLongestParameterBlock);
+}
+
 /// Whether there is an entry with the record's number.
 bool Fill(ParameterRecord* record) {
   return ParameterBlock().See([=](const ParameterBlocks& blocks) {
     const auto found = blocks.find(record->number);
     if (found == blocks.end()) return false;
     record->length = static_cast<std::uint8_t>(found->second.size());
-    std::copy(found->second.begin(), found->second.end(), record->value);
+    std::copy_n(found->second.begin(), HeldBytes(*record), record->value);
     return true;
   });
 }
@@ -71,7 +76,7 @@ CallValues NumberAndValue(const ParameterRecord* record) {
 
 Answer<BOOL> FillAndTell(ParameterRecord* record) {
   if (record == nullptr || !Fill(record)) return {FALSE, {}};
-  return {TRUE, {HexOf(record->value, record->length)}};
+  return {TRUE, {HexOf(record->value, HeldBytes(*record))}};
 }
 
 }  // namespace

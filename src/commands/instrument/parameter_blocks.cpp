@@ -43,13 +43,13 @@ std::optional<ParameterRecord> FetchRecord(std::int32_t number) {
   ParameterRecord record = {};
   if (number < 0 || number > kHighestNumber) return std::nullopt;
   record.number = static_cast<std::uint8_t>(number);
-  if (!GetParameterItem(&record) || record.length == 0 || record.length > sizeof record.value) return std::nullopt;
+  if (!GetParameterItem(&record) || record.length > sizeof record.value) return std::nullopt;
   return record;
 }
 
 std::optional<Value> ReadRecordBytes(std::int32_t number) {
   const std::optional<ParameterRecord> record = FetchRecord(number);
-  if (!record) return std::nullopt;
+  if (!record || record->length == 0) return std::nullopt;
   return Value(record->value, record->value + record->length);
 }
 
@@ -57,8 +57,7 @@ bool WriteRecordBytes(std::int32_t number, const Value& value) {
   std::optional<ParameterRecord> record = FetchRecord(number);
   if (!record || record->length != value.size()) return false;
   std::copy(value.begin(), value.end(), record->value);
-  ReplaceParameterItem(&*record);
-  return true;
+  return ReplaceParameterItem(&*record) != FALSE;
 }
 
 }  // namespace

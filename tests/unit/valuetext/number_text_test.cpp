@@ -20,6 +20,7 @@ namespace {
 
 using boost::multiprecision::cpp_int;
 using qxcm::ParseLeadingDouble;
+using qxcm::ParseLeadingHex;
 using qxcm::ParseLeadingInt;
 using qxtest::Generator;
 
@@ -196,6 +197,62 @@ TEST(ParseLeadingInt, AgreesWithTheCLibrary) {
         generator.Text(" \t+-", 2) + generator.Text("0123456789", 13) + generator.Text("0+-. x", 2);
     const long long value = std::strtoll(text.c_str(), nullptr, 10);
     ASSERT_EQ(ParseLeadingInt(text), std::clamp<long long>(value, kMin, kMax)) << '"' << text << '"';
+  }
+}
+
+TEST(ParseLeadingHex, ReadsDigitsOfEitherCaseAndASign) {
+  EXPECT_EQ(ParseLeadingHex("1a2b"), 0x1A2B);
+  EXPECT_EQ(ParseLeadingHex("1A2B"), 0x1A2B);
+  EXPECT_EQ(ParseLeadingHex("-fF"), -255);
+  EXPECT_EQ(ParseLeadingHex("+2C"), 0x2C);
+  EXPECT_EQ(ParseLeadingHex("0010"), 16);
+  EXPECT_EQ(ParseLeadingHex(" \t\n\v\f\r-7"), -7);
+}
+
+TEST(ParseLeadingHex, TakesOnePrefixBehindTheSign) {
+  EXPECT_EQ(ParseLeadingHex("0x2c"), 0x2C);
+  EXPECT_EQ(ParseLeadingHex(" -0X2C"), -0x2C);
+  for (const char* text : {"0x", "0xg", "0x-1", "0x 1", "0x0x1", "0x+1", "x1", "-0x"}) {
+    EXPECT_EQ(ParseLeadingHex(text), 0) << text;
+  }
+}
+
+TEST(ParseLeadingHex, StopsAtTheFirstOtherCharacter) {
+  EXPECT_EQ(ParseLeadingHex("12g"), 0x12);
+  EXPECT_EQ(ParseLeadingHex("1.8"), 1);
+  EXPECT_EQ(ParseLeadingHex("1@`/:"), 1);
+  EXPECT_EQ(ParseLeadingHex(std::string_view("1\0002", 3)), 1);
+  EXPECT_EQ(ParseLeadingHex(std::string_view("123456").substr(0, 3)), 0x123);
+}
+
+TEST(ParseLeadingHex, ReadsTextWithoutDigitsAsZero) {
+  for (const char* text : {"", " ", "-", "+", "--1", "+-1", "-+1", "- 1", "ghi", ".5",
+                           "\xA0"
+                           "1"}) {
+    EXPECT_EQ(ParseLeadingHex(text), 0) << text;
+  }
+  EXPECT_EQ(ParseLeadingHex(std::string_view()), 0);
+}
+
+TEST(ParseLeadingHex, HoldsAtTheEndsOf32Bits) {
+  EXPECT_EQ(ParseLeadingHex("7FFFFFFF"), kMax);
+  EXPECT_EQ(ParseLeadingHex("80000000"), kMax);
+  EXPECT_EQ(ParseLeadingHex("FFFFFFFF"), kMax);
+  EXPECT_EQ(ParseLeadingHex("-80000000"), kMin);
+  EXPECT_EQ(ParseLeadingHex("-80000001"), kMin);
+  EXPECT_EQ(ParseLeadingHex("-FFFFFFFFFFFFFFFF"), kMin);
+  EXPECT_EQ(ParseLeadingHex("0x" + std::string(8000, 'f')), kMax);
+  EXPECT_EQ(ParseLeadingHex("-0x" + std::string(8000, 'f')), kMin);
+  EXPECT_EQ(ParseLeadingHex(std::string(8000, '0') + "1"), 1);
+}
+
+TEST(ParseLeadingHex, AgreesWithTheCLibrary) {
+  Generator generator(26);
+  for (int i = 0; i < 200000; ++i) {
+    const std::string text = generator.Text(" \t+-", 2) + generator.Text("0x", i % 3 == 0 ? 3 : 0) +
+                             generator.Text("0123456789abcdefABCDEF", 11) + generator.Text("0fg+-. xX", 2);
+    const long long value = std::strtoll(text.c_str(), nullptr, 16);
+    ASSERT_EQ(ParseLeadingHex(text), std::clamp<long long>(value, kMin, kMax)) << '"' << text << '"';
   }
 }
 
