@@ -85,7 +85,7 @@ std::string SensorBus::Transfer(std::uint8_t address, const std::string& sent, D
   const BOOL done =
       DeviceIoControl(bus_, kI2cCode, in.data(), static_cast<DWORD>(in.size()), out.data(), count, &returned, nullptr);
   EXPECT_EQ(returned, done ? count : 0u);
-  return done ? host::HexText(out.data(), count) : "error " + std::to_string(GetLastError());
+  return done ? host::HexOf(out.data(), count) : "error " + std::to_string(GetLastError());
 }
 
 std::string SensorBus::Answer(std::uint8_t address, const std::string& sent, DWORD count) const {
