@@ -161,9 +161,15 @@ Texts WatchedDevice::TakeHeld() {
 
 // ---- StandardDevices, DeviceService
 
+StandardDevices::StandardDevices() { Reset(); }
+
+StandardDevices::~StandardDevices() {
+  Reset();
+  LoadDrivers();
+}
+
 void StandardDevices::Reset() {
   host::ClearFaults();
-  LoadDrivers();
   host::instrument::Sensors::Instance().Reset();
   host::instrument::Gpio::Instance().Reset();
   auto& radio = host::instrument::Radio::Instance();
