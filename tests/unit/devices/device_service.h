@@ -41,8 +41,8 @@ void DelayCall(const std::string& library, const host::CallValue& call, std::chr
 /// digits), "control 14 1", "open", "close"; with " fails" when it failed.
 Texts DeviceCalls(const std::string& device, std::uint64_t since);
 
-/// Sensors, lines, radio, store and what the controller says of itself at their standard values. Leaves them the same, with
-/// the drivers loaded that a test has unloaded.
+/// Sensors, lines, radio, store and what the controller says of itself at their standard values. Leaves them the same,
+/// with the drivers loaded that a test has unloaded.
 class StandardDevices {
  public:
   StandardDevices();

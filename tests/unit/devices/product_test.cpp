@@ -41,9 +41,7 @@ TEST_F(GT_PIF, AnswersTheNameAloneWhenNothingIsAsked) {
   }
 }
 
-TEST_F(GT_PIF, LooksAtThePresenceOfItsKeysOnly) {
-  EXPECT_EQ(Answer("VER=0,NAM=FOCUS"), "PIF,NAM=FOCUS,VER=1.2.3.4");
-}
+TEST_F(GT_PIF, LooksAtThePresenceOfItsKeysOnly) { EXPECT_EQ(Answer("VER=0,NAM=FOCUS"), "PIF,NAM=FOCUS,VER=1.2.3.4"); }
 
 // ---- Operating system
 
@@ -129,8 +127,8 @@ TEST_F(GT_PIF, AnswersInTimeTheBoardsChecksumBeforeItsVersion) {
     sensors.angle.checksum = 0xAB0C;
     sensors.angle.version = {255, 10, 0, 9};
   });
-  const double time = MillisecondsOf(
-      [&] { EXPECT_EQ(Answer("NAM=ANGLE,VER,SUM"), "PIF,NAM=ANGLE,SUM=AB0C,VER=255.10.0.9"); });
+  const double time =
+      MillisecondsOf([&] { EXPECT_EQ(Answer("NAM=ANGLE,VER,SUM"), "PIF,NAM=ANGLE,SUM=AB0C,VER=255.10.0.9"); });
   EXPECT_GE(time, 3000);
   EXPECT_LE(time, 3200);
   EXPECT_EQ(Bus(), (Texts{"write 10 0002", "read 10 3 = 00AB0C", "write 10 0001", "read 10 5 = 00FF0A0009"}));
