@@ -1,5 +1,7 @@
 #include "commands/instrument/devices/gpio.h"
 
+#include <stdexcept>
+
 #include "commands/instrument/devices/i2c_bus.h"
 #include "platform/handle.h"
 #include "platform/shared_block.h"
@@ -23,11 +25,15 @@ bool Drive(std::uint32_t line, bool high) {
 }  // namespace
 
 std::int32_t SetGpioLine(std::uint32_t line, bool high, const Event& give_up) {
-  NamedMutex mutex(TEXT("KORAX-HALVERN.RZM.GPIOLaipacMtx"));
-  if (!mutex.EnterUnless(give_up)) return kTransferFailed;
-  const bool driven = Drive(line, high);
-  mutex.Leave();
-  return driven ? 0 : kTransferFailed;
+  try {
+    NamedMutex mutex(TEXT("KORAX-HALVERN.RZM.GPIOLaipacMtx"));
+    if (!mutex.EnterUnless(give_up)) return kTransferFailed;
+    const bool driven = Drive(line, high);
+    mutex.Leave();
+    return driven ? 0 : kTransferFailed;
+  } catch (const std::runtime_error&) {
+    return kTransferFailed;
+  }
 }
 
 }  // namespace qxcm

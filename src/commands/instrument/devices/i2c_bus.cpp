@@ -1,6 +1,8 @@
 // The driver's one control code, and the retries around it.
 #include "commands/instrument/devices/i2c_bus.h"
 
+#include <algorithm>
+
 #include "platform/qxsystem.h"
 
 namespace qxcm {
@@ -10,6 +12,7 @@ namespace {
 constexpr DWORD kTransferCode = 0xA8D42000;
 constexpr std::size_t kSendLimit = 1024;  // bytes of a send, address included: fewer than this
 constexpr DWORD kFirstPause = 1;          // milliseconds
+constexpr DWORD kLookAgain = 500;         // milliseconds between looks whether to give up
 
 }  // namespace
 
@@ -45,7 +48,11 @@ NamedMutex& I2cBus::MutexOf(std::uint8_t address) {
 QXCM_ANNOTATION(no_thread_safety_analysis)
 I2cSession::I2cSession(I2cBus& bus, std::uint8_t address, const Event& give_up)
     : bus_(bus), address_(address), give_up_(give_up), mutex_(bus.MutexOf(address)) {
-  held_ = mutex_.EnterUnless(give_up);
+  try {
+    held_ = mutex_.EnterUnless(give_up);
+  } catch (const std::runtime_error&) {
+    // The platform refuses to wait for the mutex: without it every transfer fails.
+  }
 }
 
 QXCM_ANNOTATION(no_thread_safety_analysis)
@@ -71,7 +78,15 @@ bool I2cSession::Transfer(const Bytes& bytes, std::size_t count, Bytes* answer) 
   return Control(bytes, count == 0 ? nullptr : answer);
 }
 
-bool I2cSession::Wait(DWORD milliseconds) { return held_ && !WaitFor(give_up_, milliseconds); }
+// In pieces, and by the clock: neither an event that the platform did not set nor a wait that it refused changes much.
+bool I2cSession::Wait(DWORD milliseconds) {
+  if (!held_) return false;
+  const DWORD start = GetTickCount();
+  for (DWORD elapsed = 0; elapsed < milliseconds; elapsed = GetTickCount() - start) {
+    if (WaitFor(give_up_, std::min(milliseconds - elapsed, kLookAgain))) return false;
+  }
+  return !give_up_.WasSet();
+}
 
 bool I2cSession::Control(const Bytes& bytes, Bytes* answer) {
   if (!held_ || bytes.size() + 1 >= kSendLimit) return false;

@@ -53,7 +53,8 @@ class I2cBus {
 using Bytes = std::vector<std::uint8_t>;
 
 /// One sequence of transfers with a sensor: holds its mutex from construction to the end, also after a failure. One
-/// thread. Every wait ends early, and the transfer fails, once `give_up` is set.
+/// thread. Every wait ends early, and the transfer fails, once `give_up` is set; so it does when the platform refuses
+/// to wait for the mutex.
 class I2cSession {
  public:
   I2cSession(I2cBus& bus, std::uint8_t address, const Event& give_up);
