@@ -158,7 +158,7 @@ std::int32_t AnswerFile(CommandProcessor& processor, std::string_view name, cons
   WideText version;
   info.Load(ToDevicePath(*path).c_str());
   if (!info.ProductVersion(&version) && !info.FileVersion(&version)) return kBadParameter;
-  processor.SendReply(Reply("PIF").Add(kName, Escaped(name)).Add("PVR", Escaped(NarrowText(version))));
+  processor.SendReply(Reply("PIF").Add(kName, name).Add("PVR", NarrowText(version)));
   return kDone;
 }
 

@@ -195,10 +195,10 @@ TEST_F(GT_PIF, TellsTheFileVersionWhereTheProductVersionIsMissing) {
   EXPECT_EQ(Answer("NAM=tool,PTH=/tool.exe"), "PIF,NAM=tool,PVR=1.2.0.15");
 }
 
-TEST_F(GT_PIF, RepeatsTheNameAsItWasReceived) {
+TEST_F(GT_PIF, RepeatsTheNameWithoutEscapes) {
   MakeModule("/tool.exe", {{u"ProductVersion", u"1\\2"}});
-  EXPECT_EQ(Answer("NAM=a\\,b\\\\c d,PTH=/tool.exe"), "PIF,NAM=a\\,b\\\\c d,PVR=1\\\\2");
-  EXPECT_EQ(Answer("NAM,PTH=/tool.exe"), "PIF,NAM=,PVR=1\\\\2");
+  EXPECT_EQ(Answer("NAM=a\\,b\\\\c d,PTH=/tool.exe"), "PIF,NAM=a,b\\c d,PVR=1\\2");
+  EXPECT_EQ(Answer("NAM,PTH=/tool.exe"), "PIF,NAM=,PVR=1\\2");
 }
 
 TEST_F(GT_PIF, KnowsItsComponentsByTheirExactNames) {
