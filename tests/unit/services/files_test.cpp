@@ -1,8 +1,10 @@
 // MK_FDR, RM_FIL, RM_FDR, CR_FIL, CP_FIL and MV_FIL.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
+#include "posix/disk/file_root.h"
 #include "unit/services/controller_service.h"
 
 namespace qxtest {
@@ -222,6 +224,29 @@ TEST(CP_FIL, CopiesNoOpenFile) {
   service.Open("/a.txt");
   EXPECT_EQ(service.Answer("CP_FIL,SPT=/a.txt,DPT=/b.txt"), kFailed);
   EXPECT_FALSE(service.Exists("/b.txt"));
+}
+
+TEST(CP_FIL, TellsThatTheDiskIsFullAndLeavesNoPart) {
+  ControllerService service;
+  service.MakeFile("/a.txt", "text");
+  host::SetFreeFileSpace(3);
+  EXPECT_EQ(service.Answer("CP_FIL,SPT=/a.txt,DPT=/b.txt"), Status("ER_FDF"));
+  EXPECT_FALSE(service.Exists("/b.txt"));
+}
+
+// ---- A write-protected disk
+
+TEST(FileCommands, TellThatTheDiskIsWriteProtected) {
+  ControllerService service;
+  service.MakeFile("/a.txt", "text");
+  service.MakeFolder("/Jobs");
+  std::filesystem::permissions(service.root(), std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+  for (const char* command : {"MK_FDR,PTH=/b", "RM_FIL,PTH=/a.txt", "RM_FDR,PTH=/Jobs", "CR_FIL,PTH=/b",
+                              "CP_FIL,SPT=/a.txt,DPT=/b", "MV_FIL,SPT=/a.txt,DPT=/b", "OP_FIL,PTH=/a.txt"}) {
+    EXPECT_EQ(service.Answer(command), Status("ER_FPT")) << command;
+  }
+  std::filesystem::permissions(service.root(), std::filesystem::perms::owner_all);
+  EXPECT_EQ(service.BytesOf("/a.txt"), "text");
 }
 
 // ---- MV_FIL

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "posix/disk/file_root.h"
 #include "unit/services/controller_service.h"
 
 namespace qxtest {
@@ -240,6 +241,17 @@ TEST_F(WR_FIL, ReportsThePlatformsCodeThroughTheTable) {
   const Failing failing("WriteFile", ERROR_HANDLE_DISK_FULL);
   EXPECT_EQ(service_.Answer("WR_FIL,HAN=1,VAL=x"), Status("ER_FDF"));
   EXPECT_EQ(Written(), "");
+}
+
+TEST_F(WR_FIL, TellsThatTheDiskIsFullAndLeavesTheFileAsItWas) {
+  Holding("ab");
+  host::SetFreeFileSpace(3);
+  service_.Answer("SK_FIL,HAN=1,POS=2");
+  EXPECT_EQ(service_.Answer("WR_FIL,HAN=1,VAL=c"), kDone);
+  EXPECT_EQ(service_.Answer("WR_FIL,HAN=1,MOD=BIN,VAL=64"), Status("ER_FDF"));
+  EXPECT_EQ(Written(), "abc\r\n");
+  service_.Answer("SK_FIL,HAN=1,POS=0");
+  EXPECT_EQ(service_.Answer("WR_FIL,HAN=1,VAL=xyz"), kDone);  // over what is there
 }
 
 TEST_F(WR_FIL, DoesNotNoticeAShortWrite) {
