@@ -5,7 +5,6 @@
 // but the error when a sensor fails.
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -140,7 +139,7 @@ std::int32_t SetName(CommandProcessor&, const Row&, std::string_view text) {
 std::int32_t SetSerial(CommandProcessor&, const Row& row, std::string_view text) {
   if (text.size() > kSerialLength) return kBadParameter;
   char item[kSerialLength] = {};
-  std::memcpy(item, text.data(), text.size());
+  text.copy(item, sizeof item);
   QxSystemWriteStoreItem(row.item, item);
   return kDone;
 }

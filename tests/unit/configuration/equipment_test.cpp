@@ -41,7 +41,7 @@ TEST_F(ST_EQP, RefusesWhatASwitchDoesNotHave) {
     for (const std::string& value : {std::to_string(row.highest + 1), std::string("255"), std::string("-1")}) {
       EXPECT_EQ(Answer(Setting(row.key, value)), "ER_PRM") << row.key << value;
     }
-    if (row.item != kFollowed) EXPECT_EQ(service_.Item(row.item), "00");
+    EXPECT_EQ(service_.Item(row.item), row.item == kFollowed ? "none" : "00");
   }
   EXPECT_EQ(StoreCalls(), Texts{});
   EXPECT_EQ(Transfers(), Texts{});

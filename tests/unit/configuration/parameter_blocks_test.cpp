@@ -180,7 +180,8 @@ TEST_F(WR_PBK, NeverChangesTheLengthOfAnItem) {
   for (const ItemRow& row : kItems) {
     const std::string before = service_.Item(row.item);
     EXPECT_EQ(Write(row.number, std::string(2 * row.bytes + 2, '1')), "ER_PRM") << row.number;
-    if (row.bytes > 1) EXPECT_EQ(Write(row.number, std::string(2 * row.bytes - 2, '1')), "ER_PRM") << row.number;
+    const std::string shorter = row.bytes == 1 ? "1" : std::string(2 * row.bytes - 2, '1');
+    EXPECT_EQ(Write(row.number, shorter), "ER_PRM") << row.number;
     EXPECT_EQ(Answer("WR_PBK,VAL,PID=" + std::to_string(row.number)), "ER_PRM") << row.number;
     EXPECT_EQ(service_.Item(row.item), before);
   }
