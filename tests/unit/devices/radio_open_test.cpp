@@ -38,7 +38,9 @@ class OpeningBluetooth : public testing::Test {
  protected:
   OpeningBluetooth() : bluetooth_(host::AttachPty("COMBT:")) {}
   ~OpeningBluetooth() override {
-    if (handle_ != 0) EXPECT_EQ(QCMCloseComm(handle_), QCM_OK);
+    if (handle_ != 0) {
+      EXPECT_EQ(QCMCloseComm(handle_), QCM_OK);
+    }
   }
   /// Milliseconds that opening takes.
   double TimeOfOpening() {
