@@ -152,7 +152,9 @@ TEST_F(ContainedFiles, AFolderThatBecomesALinkMeanwhileLeadsNowhere) {
     DeleteFileW(secret.c_str());
     Remove(TEXT("swapped\\empty"));
     Move(TEXT("swapped\\inner"), TEXT("taken"));
-    if (i % 50 == 0) EXPECT_FALSE(Tells(Listed(Path(TEXT("swapped\\*")))));
+    if (i % 50 == 0) {
+      EXPECT_FALSE(Tells(Listed(Path(TEXT("swapped\\*")))));
+    }
   }
   stop = true;
   swapper.join();
