@@ -39,8 +39,8 @@ std::optional<double> ParseInspectionDate(std::string_view text) {
       !SystemTimeToFileTime(&calendar, &time)) {
     return std::nullopt;
   }
-  const auto seconds = static_cast<double>(UnitsOf(time) / kUnitsOfASecond);
-  const double days = seconds * kDaysOfASecond - kDaysFrom1601;
+  const std::int64_t seconds = UnitsOf(time) / kUnitsOfASecond;
+  const double days = static_cast<double>(seconds) * kDaysOfASecond - kDaysFrom1601;
   if (days <= kEarliest || days >= kLatest) return std::nullopt;
   return days;
 }
