@@ -78,7 +78,7 @@ std::int32_t GtFls(CommandProcessor& processor, const FieldMap& fields) {
   const auto* path = fields.Find(kPath);
   if (path == nullptr) return kBadParameter;
   const std::vector<std::string> entries = Entries(ToDevicePath(*path), processor);
-  if (entries.empty()) processor.service().SendReply("FLS,CNT=0");
+  if (entries.empty() && !processor.stopping()) processor.service().SendReply("FLS,CNT=0");
   int index = 0;
   for (const std::string& entry : entries) {
     if (!processor.WaitForRoom()) break;
