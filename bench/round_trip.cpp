@@ -9,10 +9,10 @@
 
 #include "QXCommMgr.h"
 #include "api/comm_manager.h"
+#include "common/ports/ports.h"
 #include "instrument/angles.h"
 #include "instrument/event_window.h"
 #include "link/serial_channel.h"
-#include "posix/ports/ports.h"
 #include "protocol/frame.h"
 #include "reference_programs.h"
 #include "support/memory_link.h"

@@ -1,7 +1,7 @@
 #include "instrument/battery.h"
 
+#include "common/system/modules.h"
 #include "instrument/system_calls.h"
-#include "posix/system/modules.h"
 
 namespace host::instrument {
 namespace {

@@ -4,10 +4,10 @@
 #include <cstring>
 #include <nlohmann/json.hpp>
 
+#include "common/system/calendar.h"
+#include "common/system/clock.h"
+#include "common/text/utf.h"
 #include "instrument/field_section.h"
-#include "posix/system/calendar.h"
-#include "posix/system/clock.h"
-#include "posix/text/utf.h"
 
 namespace host::instrument {
 namespace {
@@ -73,8 +73,8 @@ Field RunningField() {
 
 template <std::size_t kUnits>
 std::string NameText(const WCHAR (&name)[kUnits]) {
-  const std::u16string_view units(name, kUnits);
-  return WideToUtf8(units.substr(0, units.find(u'\0')));
+  const WideView units(name, kUnits);
+  return WideToUtf8(units.substr(0, units.find(TEXT('\0'))));
 }
 
 Json DateJson(const SYSTEMTIME& date) {

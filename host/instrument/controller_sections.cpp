@@ -2,12 +2,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include "common/system/identity.h"
+#include "common/system/power.h"
+#include "common/system/programs.h"
 #include "instrument/battery.h"
 #include "instrument/event_window.h"
 #include "instrument/field_section.h"
-#include "posix/system/identity.h"
-#include "posix/system/power.h"
-#include "posix/system/programs.h"
 
 namespace host::instrument {
 namespace {

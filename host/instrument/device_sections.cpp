@@ -4,11 +4,11 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
+#include "common/text/hex.h"
 #include "instrument/gpio.h"
 #include "instrument/group_section.h"
 #include "instrument/radio.h"
 #include "instrument/sensors.h"
-#include "posix/text/hex.h"
 
 namespace host::instrument {
 namespace {

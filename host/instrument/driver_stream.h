@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "posix/calls/errors.h"
-#include "posix/streams/devices.h"
+#include "common/calls/errors.h"
+#include "common/streams/devices.h"
 
 namespace host::instrument {
 

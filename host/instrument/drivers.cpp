@@ -1,9 +1,9 @@
 #include "instrument/drivers.h"
 
+#include "common/ports/ports.h"
 #include "instrument/gpio.h"
 #include "instrument/i2c_bus.h"
 #include "instrument/radio.h"
-#include "posix/ports/ports.h"
 
 namespace host::instrument {
 namespace {

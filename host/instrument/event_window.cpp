@@ -2,9 +2,9 @@
 
 #include <mutex>
 
-#include "posix/calls/entry.h"
-#include "posix/sync/threads.h"
-#include "posix/windows/windows_messages.h"
+#include "common/calls/entry.h"
+#include "common/sync/threads.h"
+#include "common/windows/windows_messages.h"
 
 namespace host::instrument {
 namespace {

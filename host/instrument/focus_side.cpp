@@ -6,10 +6,10 @@
 #include <stdexcept>
 #include <utility>
 
+#include "common/kernel/handles.h"
+#include "common/kernel/shared_memory.h"
+#include "common/sync/sync.h"
 #include "instrument/system_calls.h"
-#include "posix/kernel/handles.h"
-#include "posix/kernel/shared_memory.h"
-#include "posix/sync/sync.h"
 
 namespace host::instrument {
 

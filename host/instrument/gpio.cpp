@@ -3,8 +3,8 @@
 #include <array>
 #include <cstring>
 
+#include "common/calls/entry.h"
 #include "instrument/driver_stream.h"
-#include "posix/calls/entry.h"
 
 namespace host::instrument {
 namespace {

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <optional>
 
+#include "common/calls/entry.h"
+#include "common/calls/errors.h"
+#include "common/text/hex.h"
 #include "instrument/driver_stream.h"
 #include "instrument/sensors.h"
-#include "posix/calls/entry.h"
-#include "posix/calls/errors.h"
-#include "posix/text/hex.h"
 
 namespace host::instrument {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "posix/text/hex.h"
+#include "common/text/hex.h"
 
 namespace host::instrument {
 

@@ -2,17 +2,17 @@
 
 #include <stdexcept>
 
-#include "posix/kernel/handles.h"
-#include "posix/kernel/shared_memory.h"
-#include "posix/sync/sync.h"
-#include "posix/sync/threads.h"
+#include "common/kernel/handles.h"
+#include "common/kernel/shared_memory.h"
+#include "common/sync/sync.h"
+#include "common/sync/threads.h"
 
 namespace host::instrument {
 namespace {
 
-constexpr WCHAR kEventName[] = u"KORAX-HALVERN.RZM.CommKeyDownEv";
-constexpr WCHAR kBlockName[] = u"KORAX-HALVERN.RZM.CommKeyData";
-constexpr WCHAR kMutexName[] = u"KORAX-HALVERN.RZM.CommKeyDataMtx";
+constexpr WCHAR kEventName[] = TEXT("KORAX-HALVERN.RZM.CommKeyDownEv");
+constexpr WCHAR kBlockName[] = TEXT("KORAX-HALVERN.RZM.CommKeyData");
+constexpr WCHAR kMutexName[] = TEXT("KORAX-HALVERN.RZM.CommKeyDataMtx");
 constexpr DWORD kSetEvent = 3;
 
 }  // namespace

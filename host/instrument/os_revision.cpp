@@ -1,7 +1,7 @@
 // OPVLIB: what the product says of its operating system.
+#include "common/calls/entry.h"
+#include "common/system/identity.h"
 #include "instrument/instrument_libraries.h"
-#include "posix/calls/entry.h"
-#include "posix/system/identity.h"
 
 DWORD WINAPI GetProductOSRevision(void) {
   const auto revision = []() -> DWORD { return host::OsRevision(); };

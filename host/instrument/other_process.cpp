@@ -4,9 +4,9 @@
 
 #include <future>
 
-#include "posix/kernel/handles.h"
-#include "posix/sync/sync.h"
-#include "posix/text/utf.h"
+#include "common/kernel/handles.h"
+#include "common/sync/sync.h"
+#include "common/text/utf.h"
 
 namespace host::instrument {
 namespace {

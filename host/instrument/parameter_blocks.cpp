@@ -5,10 +5,10 @@
 #include <cerrno>
 #include <nlohmann/json.hpp>
 
+#include "common/calls/entry.h"
+#include "common/text/hex.h"
 #include "instrument/instrument_libraries.h"
 #include "instrument/json_values.h"
-#include "posix/calls/entry.h"
-#include "posix/text/hex.h"
 
 namespace host::instrument {
 namespace {

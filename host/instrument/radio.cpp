@@ -2,7 +2,7 @@
 
 #include <initializer_list>
 
-#include "posix/calls/entry.h"
+#include "common/calls/entry.h"
 
 namespace host::instrument {
 

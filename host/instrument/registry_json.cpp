@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "common/text/utf.h"
 #include "instrument/registry_value_json.h"
-#include "posix/text/utf.h"
 
 namespace host::instrument {
 namespace {
@@ -33,7 +33,7 @@ void AppendKeys(const RegistryKey& key, RegistryPath* path, Json* keys) {
 }
 
 void MergeValue(const RegistryPath& path, const std::string& name, const Json& patch, RegistryEdit* edit) {
-  const std::u16string wide = Utf8ToWide(name);
+  const WideString wide = Utf8ToWide(name);
   if (!GoodRegistryName(wide)) throw StateError("no name for a value");
   if (patch.is_null()) {
     edit->RemoveValue(path, wide);

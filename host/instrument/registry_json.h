@@ -9,8 +9,8 @@
 #ifndef QXHOST_INSTRUMENT_REGISTRY_JSON_H
 #define QXHOST_INSTRUMENT_REGISTRY_JSON_H
 
+#include "common/registry/registry_tree.h"
 #include "instrument/state.h"
-#include "posix/registry/registry_tree.h"
 
 namespace host::instrument {
 

@@ -3,8 +3,8 @@
 #include <cerrno>
 #include <nlohmann/json.hpp>
 
+#include "common/registry/registry.h"
 #include "instrument/registry_json.h"
-#include "posix/registry/registry.h"
 
 namespace host::instrument {
 namespace {

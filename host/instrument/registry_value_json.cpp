@@ -4,9 +4,9 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "common/text/hex.h"
+#include "common/text/utf.h"
 #include "instrument/json_values.h"
-#include "posix/text/hex.h"
-#include "posix/text/utf.h"
 
 namespace host::instrument {
 namespace {
@@ -21,10 +21,10 @@ std::vector<BYTE> BytesOfValue(const Json& json) {
 
 /// The text of a value that holds exactly one, zero-terminated and well-formed.
 std::optional<std::string> TextOf(const std::vector<BYTE>& bytes) {
-  std::u16string units(bytes.size() / sizeof(char16_t), u'\0');
-  if (units.empty() || bytes.size() % sizeof(char16_t) != 0) return std::nullopt;
+  WideString units(bytes.size() / sizeof(WCHAR), TEXT('\0'));
+  if (units.empty() || bytes.size() % sizeof(WCHAR) != 0) return std::nullopt;
   std::memcpy(units.data(), bytes.data(), bytes.size());
-  if (units.find(u'\0') != units.size() - 1) return std::nullopt;
+  if (units.find(TEXT('\0')) != units.size() - 1) return std::nullopt;
   units.pop_back();
   std::string text = WideToUtf8(units);
   if (Utf8ToWide(text) != units) return std::nullopt;  // an unpaired surrogate
@@ -33,10 +33,10 @@ std::optional<std::string> TextOf(const std::vector<BYTE>& bytes) {
 
 std::vector<BYTE> BytesOfText(const Json& json) {
   if (!json.is_string()) throw StateError("value: a text is expected");
-  const std::u16string units = Utf8ToWide(json.get_ref<const std::string&>());
-  if (units.find(u'\0') != std::u16string::npos) throw StateError("value: a text without zeros is expected");
-  std::vector<BYTE> bytes((units.size() + 1) * sizeof(char16_t));
-  std::memcpy(bytes.data(), units.data(), units.size() * sizeof(char16_t));
+  const WideString units = Utf8ToWide(json.get_ref<const std::string&>());
+  if (units.find(TEXT('\0')) != WideString::npos) throw StateError("value: a text without zeros is expected");
+  std::vector<BYTE> bytes((units.size() + 1) * sizeof(WCHAR));
+  std::memcpy(bytes.data(), units.data(), units.size() * sizeof(WCHAR));
   return bytes;
 }
 

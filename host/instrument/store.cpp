@@ -5,8 +5,8 @@
 #include <cstring>
 #include <optional>
 
+#include "common/text/hex.h"
 #include "instrument/system_calls.h"
-#include "posix/text/hex.h"
 
 namespace host::instrument {
 namespace {
@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kWidths[] = {1, 1, 1, 2, 2, 4, 4, 8, 2};  // by element type
 
 constexpr std::uint32_t kNames = 0x090821;
-constexpr char16_t kStandardNames[] = u"Korax,DX-1";  // brand, comma, name
+constexpr WCHAR kStandardNames[] = TEXT("Korax,DX-1");  // brand, comma, name
 constexpr std::uint32_t kSerialNumber = 0x020110;
 constexpr char kStandardSerialNumber[] = "000000";
 constexpr std::uint32_t kInspection = 0xC20701;

@@ -3,9 +3,9 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "common/text/hex.h"
 #include "instrument/json_values.h"
 #include "instrument/store.h"
-#include "posix/text/hex.h"
 
 namespace host::instrument {
 namespace {

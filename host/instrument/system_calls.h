@@ -9,7 +9,7 @@
 #include <initializer_list>
 #include <type_traits>
 
-#include "posix/calls/entry.h"
+#include "common/calls/entry.h"
 
 extern "C" {
 

@@ -3,15 +3,15 @@
 #include <algorithm>
 #include <iterator>
 
-#include "posix/registry/time_zones.h"
-#include "posix/text/utf.h"
+#include "common/registry/time_zones.h"
+#include "common/text/utf.h"
 
 namespace host::instrument {
 namespace {
 
 template <std::size_t kSize>
-void CopyName(const char16_t* from, WCHAR (&name)[kSize]) {
-  const std::u16string text = from;
+void CopyName(const WCHAR* from, WCHAR (&name)[kSize]) {
+  const WideString text = from;
   std::copy_n(text.begin(), std::min(text.size(), kSize - 1), name);
 }
 

@@ -8,11 +8,11 @@
 #include <thread>
 #include <vector>
 
+#include "common/calls/ce_calls.h"
+#include "common/calls/entry.h"
+#include "common/streams/streams.h"
+#include "common/system/power.h"
 #include "controller_line.h"
-#include "posix/calls/ce_calls.h"
-#include "posix/calls/entry.h"
-#include "posix/streams/streams.h"
-#include "posix/system/power.h"
 
 namespace {
 

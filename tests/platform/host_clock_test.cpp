@@ -6,8 +6,8 @@
 #include <ctime>
 #include <random>
 
-#include "posix/system/calendar.h"
-#include "posix/system/clock.h"
+#include "common/system/calendar.h"
+#include "common/system/clock.h"
 #include "times.h"
 
 namespace platform_test {

@@ -4,8 +4,8 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include "common/ports/ports.h"
 #include "controller_line.h"
-#include "posix/ports/ports.h"
 
 using Clock = std::chrono::steady_clock;
 

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "common/calls/calls.h"
+#include "common/calls/errors.h"
+#include "common/streams/devices.h"
 #include "kernel_objects.h"
-#include "posix/calls/calls.h"
-#include "posix/calls/errors.h"
-#include "posix/streams/devices.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <system_error>
 #include <utility>
 
+#include "common/files/file_root.h"
 #include "host_files.h"
-#include "posix/disk/file_root.h"
 #include "posix/disk/host_errors.h"
 
 namespace platform_test {

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
+#include "common/files/file_root.h"
 #include "host_files.h"
 #include "posix/disk/attributes.h"
-#include "posix/disk/file_root.h"
 
 namespace platform_test {
 namespace {

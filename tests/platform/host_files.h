@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "posix/files/file_facts.h"
+#include "common/files/file_facts.h"
 #include "scratch_folder.h"
 
 namespace platform_test {

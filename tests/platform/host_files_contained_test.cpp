@@ -8,7 +8,7 @@
 #include <fstream>
 #include <thread>
 
-#include "posix/text/utf.h"
+#include "common/text/utf.h"
 #include "scratch_folder.h"
 #include "support/path_spellings.h"
 

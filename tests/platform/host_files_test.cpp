@@ -7,7 +7,7 @@
 #include <string>
 #include <thread>
 
-#include "posix/calls/calls.h"
+#include "common/calls/calls.h"
 
 namespace platform_test {
 namespace {

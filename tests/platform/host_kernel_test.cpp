@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <set>
 
-#include "posix/calls/calls.h"
-#include "posix/kernel/handles.h"
-#include "posix/sync/sync.h"
-#include "posix/windows/windows_messages.h"
+#include "common/calls/calls.h"
+#include "common/kernel/handles.h"
+#include "common/sync/sync.h"
+#include "common/windows/windows_messages.h"
 #include "test_window.h"
 
 namespace platform_test {

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include "common/system/identity.h"
 #include "instrument/instrument_libraries.h"
-#include "posix/system/identity.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "posix/calls/calls.h"
-#include "posix/calls/ce_calls.h"
-#include "posix/system/modules.h"
+#include "common/calls/calls.h"
+#include "common/calls/ce_calls.h"
+#include "common/system/modules.h"
 
 namespace platform_test {
 namespace {

@@ -11,10 +11,10 @@
 #include <system_error>
 #include <vector>
 
+#include "common/kernel/named_objects.h"
+#include "common/sync/sync.h"
 #include "kernel_objects.h"
-#include "posix/kernel/named_objects.h"
 #include "posix/kernel/object_namespace.h"
-#include "posix/sync/sync.h"
 #include "second_process.h"
 
 namespace platform_test {

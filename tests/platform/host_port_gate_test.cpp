@@ -4,8 +4,8 @@
 
 #include <atomic>
 
+#include "common/ports/ports.h"
 #include "controller_line.h"
-#include "posix/ports/ports.h"
 
 namespace {
 

@@ -14,8 +14,8 @@
 #include <string>
 #include <thread>
 
+#include "common/ports/ports.h"
 #include "controller_line.h"
-#include "posix/ports/ports.h"
 
 namespace {
 

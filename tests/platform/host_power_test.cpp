@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "posix/calls/ce_calls.h"
-#include "posix/system/power.h"
+#include "common/calls/ce_calls.h"
+#include "common/system/power.h"
 
 namespace {
 

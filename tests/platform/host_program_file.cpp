@@ -1,7 +1,7 @@
 // The instrument's programs on this host: what the look-up says is there.
 #include <string>
 
-#include "posix/system/programs.h"
+#include "common/system/programs.h"
 #include "program_file.h"
 
 namespace platform_test {

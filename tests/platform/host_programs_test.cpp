@@ -4,10 +4,10 @@
 
 #include <string>
 
-#include "posix/calls/calls.h"
-#include "posix/kernel/handles.h"
-#include "posix/system/power.h"
-#include "posix/system/programs.h"
+#include "common/calls/calls.h"
+#include "common/kernel/handles.h"
+#include "common/system/power.h"
+#include "common/system/programs.h"
 #include "program_file.h"
 
 namespace platform_test {

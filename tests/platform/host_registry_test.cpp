@@ -3,12 +3,12 @@
 #include <cstring>
 #include <iterator>
 
+#include "common/calls/calls.h"
+#include "common/kernel/handles.h"
+#include "common/registry/registry.h"
+#include "common/registry/time_zones.h"
 #include "kernel_objects.h"
 #include "open_key.h"
-#include "posix/calls/calls.h"
-#include "posix/kernel/handles.h"
-#include "posix/registry/registry.h"
-#include "posix/registry/time_zones.h"
 
 namespace platform_test {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "posix/disk/file_root.h"
+#include "common/files/file_root.h"
 #include "scratch_folder.h"
 
 namespace platform_test {

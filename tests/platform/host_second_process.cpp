@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "posix/kernel/named_objects.h"
+#include "common/kernel/named_objects.h"
 #include "second_process.h"
 
 namespace platform_test {

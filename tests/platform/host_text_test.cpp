@@ -4,9 +4,9 @@
 
 #include <string>
 
+#include "common/text/text.h"
+#include "common/text/utf.h"
 #include "posix/text/code_pages.h"
-#include "posix/text/text.h"
-#include "posix/text/utf.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <set>
 #include <string>
 
+#include "common/system/zone_rules.h"
 #include "instrument/time_zones.h"
-#include "posix/system/zone_rules.h"
 #include "times.h"
 
 namespace platform_test {

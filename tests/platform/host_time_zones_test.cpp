@@ -7,8 +7,8 @@
 #include <ctime>
 #include <random>
 
+#include "common/system/zone_rules.h"
 #include "instrument/time_zones.h"
-#include "posix/system/zone_rules.h"
 #include "times.h"
 
 namespace platform_test {

@@ -8,9 +8,9 @@
 #include <iterator>
 #include <string>
 
+#include "common/kernel/handles.h"
+#include "common/streams/devices.h"
 #include "module_file.h"
-#include "posix/kernel/handles.h"
-#include "posix/streams/devices.h"
 #include "posix/version/executable.h"
 #include "posix/version/version_block.h"
 

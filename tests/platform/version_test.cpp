@@ -19,8 +19,9 @@ using qxtest::VersionResource;
 using qxtest::VersionTable;
 using WideText = std::basic_string<WCHAR>;
 
-const VersionTable kGerman = {0x0407, 1252, {{u"FileVersion", u"1, 2, 0, 15"}, {u"ProductVersion", u"3.4.5.6"}}};
-const VersionTable kEnglish = {0x0409, 1200, {{u"FileVersion", u"9.9"}, {u"Comments", u""}}};
+const VersionTable kGerman = {
+    0x0407, 1252, {{TEXT("FileVersion"), TEXT("1, 2, 0, 15")}, {TEXT("ProductVersion"), TEXT("3.4.5.6")}}};
+const VersionTable kEnglish = {0x0409, 1200, {{TEXT("FileVersion"), TEXT("9.9")}, {TEXT("Comments"), TEXT("")}}};
 
 /// The resource of a file, as an application loads it; empty when there is none.
 FileBytes Load(const ModuleFile& file) {

@@ -15,19 +15,19 @@
 #include <system_error>
 #include <utility>
 
+#include "common/calls/ce_calls.h"
+#include "common/kernel/handles.h"
+#include "common/ports/ports.h"
+#include "common/sync/sync.h"
+#include "common/windows/windows_messages.h"
 #include "instrument/event_window.h"
-#include "posix/calls/ce_calls.h"
-#include "posix/kernel/handles.h"
-#include "posix/ports/ports.h"
-#include "posix/sync/sync.h"
-#include "posix/windows/windows_messages.h"
 #include "support/memory_link.h"
 
 namespace qxtest {
 
 namespace {
 
-constexpr WCHAR kClassName[] = u"QxTestWindow";
+constexpr WCHAR kClassName[] = TEXT("QxTestWindow");
 constexpr UINT kWork = WM_USER;
 
 HWND MakeWindow(WNDPROC procedure) {
@@ -35,7 +35,7 @@ HWND MakeWindow(WNDPROC procedure) {
   window_class.lpfnWndProc = procedure;
   window_class.lpszClassName = kClassName;
   host::RegisterClassW(&window_class);  // the second time it is there already
-  return host::CreateWindowExW(0, kClassName, u"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+  return host::CreateWindowExW(0, kClassName, TEXT(""), 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
 }
 
 }  // namespace
@@ -207,7 +207,7 @@ namespace {
 
 // What the library makes once and keeps is made before handles are counted.
 std::size_t HandlesWhenIdle() {
-  static const bool warm = [] { return QCMCloseComm(QCMOpenComm(u"COM5:")) == QCM_OK; }();
+  static const bool warm = [] { return QCMCloseComm(QCMOpenComm(TEXT("COM5:"))) == QCM_OK; }();
   EXPECT_TRUE(warm) << "no service could be opened";
   return host::LibraryHandles();
 }

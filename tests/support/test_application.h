@@ -17,7 +17,7 @@
 #include <thread>
 #include <vector>
 
-#include "posix/calls/calls.h"
+#include "common/calls/calls.h"
 
 namespace qxtest {
 

@@ -12,12 +12,12 @@
 #include <thread>
 #include <vector>
 
+#include "common/kernel/handles.h"
+#include "common/ports/ports.h"
+#include "common/windows/windows_messages.h"
 #include "instrument/event_window.h"
 #include "instrument/focus_side.h"
 #include "instrument/keys.h"
-#include "posix/kernel/handles.h"
-#include "posix/ports/ports.h"
-#include "posix/windows/windows_messages.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 #include "threads/open_service.h"

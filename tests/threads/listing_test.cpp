@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string>
 
-#include "posix/disk/file_root.h"
+#include "common/files/file_root.h"
 #include "support/memory_link.h"
 #include "support/process.h"
 #include "support/test_application.h"

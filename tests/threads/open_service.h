@@ -11,7 +11,7 @@
 #include <mutex>
 
 #include "api/open_services.h"
-#include "posix/calls/calls.h"
+#include "common/calls/calls.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

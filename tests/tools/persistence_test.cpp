@@ -10,9 +10,9 @@
 #include <random>
 #include <thread>
 
+#include "common/registry/registry.h"
 #include "instrument/registry_json.h"
 #include "instrument/registry_section.h"
-#include "posix/registry/registry.h"
 #include "qxsim/persistent_state.h"
 #include "qxsim/start_error.h"
 #include "support/qxsim_process.h"
@@ -30,10 +30,10 @@ using qxsim::PersistentState;
 const Json kPatch = Json::parse(R"({"registry": {"HKLM/Software/X": {"Level": {"type": "INT", "value": 3}},
                                     "HKLM/Time Zones/Tokyo Standard Time": null}})");
 
-LONG Store(const char16_t* name, std::uint32_t number) {
+LONG Store(const WCHAR* name, std::uint32_t number) {
   HKEY key = nullptr;
-  const LONG opened =
-      RegCreateKeyExW(HKEY_LOCAL_MACHINE, u"Software\\QXTest", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+  const LONG opened = RegCreateKeyExW(HKEY_LOCAL_MACHINE, TEXT("Software\\QXTest"), 0, nullptr, 0, KEY_ALL_ACCESS,
+                                      nullptr, &key, nullptr);
   if (opened != 0) return opened;
   const LONG error = RegSetValueExW(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
   RegCloseKey(key);
@@ -47,7 +47,7 @@ TEST_F(PersistenceTest, AFreshHomeHoldsTheDefaults) {
 
 TEST_F(PersistenceTest, ChangesFromEverySideSurviveARestart) {
   Ask("PATCH", "/state", kPatch);
-  EXPECT_EQ(Store(u"Count", 7), 0);
+  EXPECT_EQ(Store(TEXT("Count"), 7), 0);
   const Json before = State()["registry"];
   EXPECT_EQ(Kept()["registry"], before);
   Restart();
@@ -84,7 +84,7 @@ TEST_F(PersistenceTest, TheFileIsWrittenOnlyWhenSomethingChanges) {
   Ask("PATCH", "/state", {{"ports", {{"shared", true}}}});
   Restart();
   EXPECT_EQ(fs::last_write_time(File()), fs::file_time_type());
-  EXPECT_EQ(Store(u"Count", 7), 0);
+  EXPECT_EQ(Store(TEXT("Count"), 7), 0);
   EXPECT_NE(fs::last_write_time(File()), fs::file_time_type());
 }
 
@@ -100,7 +100,7 @@ TEST_F(PersistenceTest, AnEphemeralHomeKeepsItsStateWhileItLasts) {
   simulator_.reset();
   options_.ephemeral = true;
   Start();
-  EXPECT_EQ(Store(u"Count", 7), 0);
+  EXPECT_EQ(Store(TEXT("Count"), 7), 0);
   EXPECT_NE(Content(simulator_->home().path() / "state.json").find("\"Count\""), std::string::npos);
 }
 
@@ -149,21 +149,21 @@ TEST_F(PersistenceTest, AHomeThatTakesNoFileRefusesTheChangeAndSaysSo) {
   const std::string before = Content(File());
   const Json registry = State()["registry"];
   fs::create_directories(File().string() + ".new/in the way");
-  EXPECT_EQ(Store(u"Count", 7), static_cast<LONG>(ERROR_REGISTRY_IO_FAILED));
+  EXPECT_EQ(Store(TEXT("Count"), 7), static_cast<LONG>(ERROR_REGISTRY_IO_FAILED));
   EXPECT_EQ(Call("PATCH", "/state", {{"registry", {{"HKLM/Y", Json::object()}}}}).status, 500);
   EXPECT_EQ(State()["registry"], registry);
   EXPECT_EQ(Content(File()), before);
   fs::remove_all(File().string() + ".new");
-  EXPECT_EQ(Store(u"Count", 7), 0);
+  EXPECT_EQ(Store(TEXT("Count"), 7), 0);
 }
 
 TEST_F(PersistenceTest, ChangesFromTheWireAndFromTheApiAtOnceAreAllKept) {
   constexpr std::uint32_t kRounds = 100;
-  const auto store = [](const char16_t* name) {
+  const auto store = [](const WCHAR* name) {
     for (std::uint32_t round = 1; round <= kRounds; ++round) EXPECT_EQ(Store(name, round), 0);
   };
-  std::thread first(store, u"first");
-  std::thread second(store, u"second");
+  std::thread first(store, TEXT("first"));
+  std::thread second(store, TEXT("second"));
   std::thread looking([this] {
     for (std::uint32_t round = 1; round <= kRounds; ++round) State();
   });
@@ -202,7 +202,7 @@ class KeptRegistry {
 };
 
 /// Names under which the child stores its numbers in turn.
-constexpr const char16_t* kNames[] = {u"a", u"b", u"c", u"d", u"e"};
+constexpr const WCHAR* kNames[] = {TEXT("a"), TEXT("b"), TEXT("c"), TEXT("d"), TEXT("e")};
 
 /// The child: stores one number after the other and tells each once it is stored, until it is killed.
 [[noreturn]] void StoreUntilKilled(const std::string& file, int told, std::uint32_t first) {
@@ -258,7 +258,7 @@ TEST(KilledWhileStoring, AThousandTimesTheFileIsWholeAndHoldsEveryAcknowledgedVa
     const Json kept = Json::parse(Content(file))["registry"];
     std::uint32_t newest = 0;
     for (std::uint32_t number = told; number > 0 && number + std::size(kNames) > told; --number) {
-      const char16_t name = *kNames[number % std::size(kNames)];
+      const WCHAR name = *kNames[number % std::size(kNames)];
       const std::uint32_t value = kept["HKLM/Software/QXTest"][std::string(1, static_cast<char>(name))]["value"];
       ASSERT_TRUE(value == number || value == told + 1) << "told " << told << ", kept " << value << " for " << number;
       newest = std::max(newest, value);
@@ -280,11 +280,11 @@ TEST(PersistentStateTest, ADiskThatIsFullRefusesTheChangeAndKeepsTheFile) {
   std::signal(SIGXFSZ, SIG_IGN);
   const rlimit small = {before.size() / 2, old.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  EXPECT_EQ(Store(u"Count", 7), static_cast<LONG>(ERROR_DISK_FULL));
+  EXPECT_EQ(Store(TEXT("Count"), 7), static_cast<LONG>(ERROR_DISK_FULL));
   setrlimit(RLIMIT_FSIZE, &old);
   EXPECT_EQ(Content(folder / "state.json"), before);
   EXPECT_FALSE(fs::exists(folder / "state.json.new"));
-  EXPECT_EQ(Store(u"Count", 7), 0);
+  EXPECT_EQ(Store(TEXT("Count"), 7), 0);
 }
 
 TEST(PersistentStateTest, SavingASectionThatWasNeverAddedIsAnError) {
@@ -299,7 +299,7 @@ TEST(PersistentStateTest, ARegistryWriteIsKeptInAFewMillisecondsInTime) {
   std::vector<double> times;
   for (std::uint32_t round = 0; round < 200; ++round) {
     const auto start = std::chrono::steady_clock::now();
-    ASSERT_EQ(Store(u"Count", round), 0);
+    ASSERT_EQ(Store(TEXT("Count"), round), 0);
     times.push_back(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
   }
   std::nth_element(times.begin(), times.begin() + 100, times.end());

@@ -21,7 +21,6 @@ class SimulatorTest : public testing::Test {
   SimulatorTest() {
     options_.ephemeral = true;
     options_.still = true;
-    options_.still = true;
     options_.link = folder_ / "line";
     options_.http.reset();
     Start();

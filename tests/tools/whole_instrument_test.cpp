@@ -4,8 +4,8 @@
 #include <chrono>
 #include <string>
 
+#include "common/kernel/named_objects.h"
 #include "instrument/keys.h"
-#include "posix/kernel/named_objects.h"
 #include "support/qxsim_process.h"
 #include "support/test_application.h"
 

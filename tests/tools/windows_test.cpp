@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
-#include "posix/windows/windows_messages.h"
+#include "common/windows/windows_messages.h"
 #include "tools/simulator_test.h"
 
 namespace qxtest {

@@ -1,8 +1,8 @@
 // /mutexes, /events, /keys and /shared: the instrument's other processes and its system library.
 #include <nlohmann/json.hpp>
 
-#include "posix/kernel/handles.h"
-#include "posix/kernel/shared_memory.h"
+#include "common/kernel/handles.h"
+#include "common/kernel/shared_memory.h"
 #include "support/controller.h"
 #include "tools/simulator_test.h"
 
@@ -115,7 +115,7 @@ TEST_F(WorldTest, AnEventBeforeAnyWindowWasHandedOutIsLost) {
 }
 
 TEST_F(WorldTest, ASharedBlockIsShownWithItsSizeAndBytes) {
-  const HANDLE block = host::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 5, u"A.Block");
+  const HANDLE block = host::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 5, TEXT("A.Block"));
   auto* bytes = static_cast<std::uint8_t*>(host::MapViewOfFile(block, FILE_MAP_ALL_ACCESS, 0, 0, 5));
   bytes[4] = 0xAB;
   const Json shown = Ask("GET", "/shared?name=A.Block");

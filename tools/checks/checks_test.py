@@ -47,8 +47,8 @@ class LayersTest(CheckTest):
         self.expect_problem(layers.check, "src/platform/x.cpp:2", "platform is below link")
 
     def test_names_an_include_beside_the_file_that_leaves_the_source_folder(self):
-        self.write("host/posix/calls/calls.h", "")
-        self.write("src/link/x.cpp", '#include "posix/calls/calls.h"\n')
+        self.write("host/common/calls/calls.h", "")
+        self.write("src/link/x.cpp", '#include "common/calls/calls.h"\n')
         self.expect_problem(layers.check, "nothing outside src/")
 
     def test_names_a_missing_file(self):

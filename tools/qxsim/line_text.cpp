@@ -1,9 +1,10 @@
 #include "qxsim/line_text.h"
 
+#include <algorithm>
 #include <cmath>
 
-#include "posix/text/code_pages.h"
-#include "posix/text/utf.h"
+#include "common/text/text.h"
+#include "common/text/utf.h"
 
 namespace qxsim {
 namespace {
@@ -17,21 +18,26 @@ void AppendHex(unsigned char byte, std::string* text) {
 
 bool IsControl(char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }
 
+std::string Utf8OfAnsi(std::string_view text) {
+  host::WideString wide(text.size(), 0);  // never more units than bytes
+  const int size = static_cast<int>(text.size());
+  wide.resize(static_cast<std::size_t>(host::MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), size)));
+  return host::WideToUtf8(wide);
+}
+
 }  // namespace
 
 std::string ReadableText(std::string_view bytes) {
-  const host::CodePage* page = host::FindCodePage(0);
   std::string text;
   while (!bytes.empty()) {
-    if (IsControl(bytes.front())) {
-      text += "\\x";
-      AppendHex(static_cast<unsigned char>(bytes.front()), &text);
-      bytes.remove_prefix(1);
-    } else {
-      char16_t wide = 0;
-      bytes.remove_prefix(page->Decode(bytes, &wide));
-      text += host::WideToUtf8({&wide, 1});
-    }
+    const auto end = std::find_if(bytes.begin(), bytes.end(), IsControl);
+    const auto readable = static_cast<std::size_t>(end - bytes.begin());
+    text += Utf8OfAnsi(bytes.substr(0, readable));
+    bytes.remove_prefix(readable);
+    if (bytes.empty()) break;
+    text += "\\x";
+    AppendHex(static_cast<unsigned char>(bytes.front()), &text);
+    bytes.remove_prefix(1);
   }
   return text;
 }

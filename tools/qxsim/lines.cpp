@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "posix/ports/ports.h"
+#include "common/ports/ports.h"
 
 namespace qxsim {
 

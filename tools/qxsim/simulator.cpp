@@ -3,16 +3,16 @@
 #include <chrono>
 #include <nlohmann/json.hpp>
 
+#include "common/calls/calls.h"
+#include "common/files/file_root.h"
+#include "common/files/program_files.h"
+#include "common/kernel/named_objects.h"
+#include "common/ports/ports.h"
+#include "common/system/programs.h"
+#include "common/text/text.h"
 #include "instrument/battery.h"
 #include "instrument/drivers.h"
 #include "instrument/focus_side.h"
-#include "posix/calls/calls.h"
-#include "posix/disk/file_root.h"
-#include "posix/files/program_files.h"
-#include "posix/kernel/named_objects.h"
-#include "posix/ports/ports.h"
-#include "posix/system/programs.h"
-#include "posix/text/code_pages.h"
 #include "qxsim/api/routes.h"
 #include "qxsim/start_error.h"
 #include "qxsim/state_sections.h"

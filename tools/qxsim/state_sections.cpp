@@ -3,6 +3,8 @@
 #include <nlohmann/json.hpp>
 
 #include "api/diagnostics.h"
+#include "common/kernel/handles.h"
+#include "common/ports/ports.h"
 #include "instrument/clock_section.h"
 #include "instrument/controller_sections.h"
 #include "instrument/device_sections.h"
@@ -11,8 +13,6 @@
 #include "instrument/registry_section.h"
 #include "instrument/stored_sections.h"
 #include "instrument/time_zones.h"
-#include "posix/kernel/handles.h"
-#include "posix/ports/ports.h"
 
 namespace qxsim {
 namespace {

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <string>
 
-#include "posix/calls/calls.h"
+#include "common/calls/calls.h"
 #include "qxsim/application/notifications.h"
 #include "qxsim/traffic.h"
 

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "posix/calls/calls.h"
+#include "common/calls/calls.h"
 #include "qxsim/line_text.h"
 
 namespace qxsim {

@@ -1,14 +1,15 @@
-#include "posix/calls/errors.h"
+#include <windows.h>
 
-namespace host {
+namespace {
 
+// The calling thread's.
 DWORD& ThreadError() {
   thread_local DWORD error = ERROR_SUCCESS;
   return error;
 }
 
-}  // namespace host
+}  // namespace
 
-extern "C" DWORD WINAPI GetLastError(void) { return host::ThreadError(); }
+extern "C" DWORD WINAPI GetLastError(void) { return ThreadError(); }
 
-extern "C" void WINAPI SetLastError(DWORD error) { host::ThreadError() = error; }
+extern "C" void WINAPI SetLastError(DWORD error) { ThreadError() = error; }

@@ -9,9 +9,9 @@
 #include <optional>
 #include <string>
 
+#include "common/system/calendar.h"
+#include "common/system/clock.h"
 #include "posix/disk/host_errors.h"
-#include "posix/system/calendar.h"
-#include "posix/system/clock.h"
 
 namespace host {
 namespace {

@@ -1,10 +1,12 @@
-#include "posix/disk/file_root.h"
+#include "common/files/file_root.h"
 
 #include <fcntl.h>
 
 #include <cerrno>
 #include <system_error>
 #include <utility>
+
+#include "posix/disk/file_root.h"
 
 namespace host {
 namespace {

@@ -1,27 +1,14 @@
-// The folder of this machine that is the whole file system of the instrument: "\Temp\a.txt" is Temp/a.txt in it.
+// The folder behind common/files/file_root.h, its room, and the lock on its names.
 #ifndef QXHOST_POSIX_DISK_FILE_ROOT_H
 #define QXHOST_POSIX_DISK_FILE_ROOT_H
-
-#include <windows.h>
 
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <optional>
-#include <string>
 
 #include "posix/kernel/file_descriptor.h"
 
 namespace host {
-
-/// Uses this folder from now on; files that are open stay open. Throws std::system_error when it cannot be opened.
-void SetFileRoot(const std::string& folder);
-/// No folder, as at start: every call with a path fails with error 3.
-void ClearFileRoot();
-
-/// How many more bytes files may grow by: deleting files gives room again. Nothing = as many as this machine has room
-/// for, as at start. Files only; folders and names take no room.
-void SetFreeFileSpace(std::optional<std::uint64_t> bytes);
 
 /// Takes room for a file's growth; false when there is not enough.
 bool TakeFileSpace(std::uint64_t bytes);

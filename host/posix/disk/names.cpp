@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "posix/text/text.h"
-#include "posix/text/utf.h"
+#include "common/text/text.h"
+#include "common/text/utf.h"
 
 namespace host {
 namespace {

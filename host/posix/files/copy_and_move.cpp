@@ -9,12 +9,12 @@
 #include <memory>
 #include <vector>
 
-#include "posix/calls/errors.h"
+#include "common/calls/errors.h"
+#include "common/files/files.h"
 #include "posix/disk/attributes.h"
 #include "posix/disk/file_root.h"
 #include "posix/disk/host_errors.h"
 #include "posix/disk/paths.h"
-#include "posix/files/files.h"
 #include "posix/files/open_file.h"
 
 namespace host {

@@ -1,4 +1,4 @@
-#include "posix/files/file_facts.h"
+#include "common/files/file_facts.h"
 
 #include "posix/disk/attributes.h"
 #include "posix/disk/file_root.h"

@@ -8,11 +8,11 @@
 #include <cerrno>
 #include <utility>
 
-#include "posix/calls/errors.h"
+#include "common/calls/errors.h"
+#include "common/text/utf.h"
 #include "posix/disk/attributes.h"
 #include "posix/disk/file_root.h"
 #include "posix/disk/host_errors.h"
-#include "posix/text/utf.h"
 
 namespace host {
 namespace {

@@ -9,10 +9,10 @@
 #include <mutex>
 #include <string>
 
+#include "common/streams/streams.h"
 #include "posix/disk/places.h"
 #include "posix/files/shares.h"
 #include "posix/kernel/file_descriptor.h"
-#include "posix/streams/streams.h"
 
 namespace host {
 

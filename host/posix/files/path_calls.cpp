@@ -3,13 +3,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "posix/calls/errors.h"
+#include "common/calls/errors.h"
+#include "common/files/files.h"
 #include "posix/disk/attributes.h"
 #include "posix/disk/file_root.h"
 #include "posix/disk/host_errors.h"
 #include "posix/disk/paths.h"
 #include "posix/disk/places.h"
-#include "posix/files/files.h"
 #include "posix/files/shares.h"
 
 namespace host {

@@ -5,16 +5,16 @@
 #include <utility>
 #include <vector>
 
-#include "posix/calls/errors.h"
+#include "common/calls/errors.h"
+#include "common/files/files.h"
+#include "common/kernel/handles.h"
+#include "common/text/utf.h"
 #include "posix/disk/attributes.h"
 #include "posix/disk/file_root.h"
 #include "posix/disk/names.h"
 #include "posix/disk/paths.h"
 #include "posix/disk/places.h"
-#include "posix/files/files.h"
 #include "posix/files/wild_cards.h"
-#include "posix/kernel/handles.h"
-#include "posix/text/utf.h"
 
 namespace host {
 namespace {

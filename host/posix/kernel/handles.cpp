@@ -1,4 +1,4 @@
-#include "posix/kernel/handles.h"
+#include "common/kernel/handles.h"
 
 #include <cstdint>
 #include <deque>
@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "posix/calls/calls.h"
-#include "posix/calls/errors.h"
+#include "common/calls/calls.h"
+#include "common/calls/errors.h"
 
 namespace host {
 namespace {

@@ -5,7 +5,7 @@
 #include <system_error>
 #include <utility>
 
-#include "posix/calls/errors.h"
+#include "common/calls/errors.h"
 
 namespace host {
 namespace {
@@ -40,7 +40,7 @@ std::unique_ptr<NamedObject> NamedObject::Open(LPCWSTR text, ObjectKind kind, co
   KernelLock lock;
   NamespaceLock space_lock(lock, *space);
   ObjectSlot* slot = space->Find(name);
-  ThreadError() = slot != nullptr ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS;
+  SetLastError(slot != nullptr ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
   if (slot != nullptr && slot->kind != kind) return Fail(ERROR_INVALID_HANDLE, nullptr);
   if (slot == nullptr) slot = MakeSlot(*space, name, kind, fill);
   if (slot == nullptr) return Fail(ERROR_NOT_ENOUGH_MEMORY, nullptr);

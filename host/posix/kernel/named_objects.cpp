@@ -1,4 +1,4 @@
-#include "posix/kernel/named_objects.h"
+#include "common/kernel/named_objects.h"
 
 #include <unistd.h>
 
@@ -12,9 +12,9 @@
 #include <system_error>
 #include <utility>
 
+#include "common/text/utf.h"
 #include "posix/kernel/object_namespace.h"
 #include "posix/kernel/processes.h"
-#include "posix/text/utf.h"
 
 namespace host {
 namespace {

@@ -1,12 +1,12 @@
-#include "posix/kernel/shared_memory.h"
+#include "common/kernel/shared_memory.h"
 
 #include <map>
 #include <memory>
 #include <mutex>
 #include <utility>
 
-#include "posix/calls/errors.h"
-#include "posix/kernel/handles.h"
+#include "common/calls/errors.h"
+#include "common/kernel/handles.h"
 #include "posix/kernel/named_object.h"
 
 namespace host {
@@ -47,8 +47,8 @@ DWORD CheckBlock(HANDLE file, DWORD protect, DWORD size_high, DWORD size_low) {
 
 HANDLE CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES, DWORD protect, DWORD size_high, DWORD size_low,
                           LPCWSTR name) {
-  ThreadError() = CheckBlock(file, protect, size_high, size_low);
-  if (ThreadError() != ERROR_SUCCESS) return nullptr;
+  SetLastError(CheckBlock(file, protect, size_high, size_low));
+  if (GetLastError() != ERROR_SUCCESS) return nullptr;
   if (name == nullptr || *name == 0) return InsertHandle(std::make_shared<Mapping>());
   auto named =
       NamedObject::Open(name, ObjectKind::kBlock, [&](ObjectSlot& slot, const auto&) { slot.block_size = size_low; });

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <system_error>
 
-#include "posix/ports/ports.h"
+#include "common/ports/ports.h"
 #include "posix/ports/serial_settings.h"
 
 namespace host {

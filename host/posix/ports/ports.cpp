@@ -1,4 +1,4 @@
-#include "posix/ports/ports.h"
+#include "common/ports/ports.h"
 
 #include <windows.h>
 
@@ -7,11 +7,11 @@
 #include <memory>
 #include <mutex>
 
-#include "posix/calls/errors.h"
+#include "common/calls/errors.h"
+#include "common/streams/devices.h"
 #include "posix/ports/line.h"
 #include "posix/ports/port_options.h"
 #include "posix/ports/serial_port.h"
-#include "posix/streams/devices.h"
 
 namespace host {
 namespace {

@@ -1,6 +1,6 @@
-#include "posix/ports/serial_calls.h"
+#include "common/ports/serial_calls.h"
 
-#include "posix/calls/errors.h"
+#include "common/calls/errors.h"
 #include "posix/ports/serial_port.h"
 
 namespace host {

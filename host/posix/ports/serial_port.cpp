@@ -10,7 +10,7 @@
 #include <limits>
 #include <optional>
 
-#include "posix/calls/errors.h"
+#include "common/calls/errors.h"
 #include "posix/ports/port_options.h"
 #include "posix/ports/serial_settings.h"
 

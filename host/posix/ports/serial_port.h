@@ -11,8 +11,8 @@
 #include <mutex>
 #include <string>
 
+#include "common/streams/streams.h"
 #include "posix/ports/line.h"
-#include "posix/streams/streams.h"
 
 namespace host {
 

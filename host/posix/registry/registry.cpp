@@ -1,9 +1,9 @@
-#include "posix/registry/registry.h"
+#include "common/registry/registry.h"
 
 #include <cstring>
 #include <utility>
 
-#include "posix/registry/time_zones.h"
+#include "common/registry/time_zones.h"
 
 namespace host {
 namespace {

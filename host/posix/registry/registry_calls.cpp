@@ -1,11 +1,11 @@
-#include "posix/registry/registry_calls.h"
+#include "common/registry/registry_calls.h"
 
 #include <cstring>
 #include <iterator>
 #include <utility>
 
-#include "posix/kernel/handles.h"
-#include "posix/registry/registry.h"
+#include "common/kernel/handles.h"
+#include "common/registry/registry.h"
 
 namespace host {
 namespace {

@@ -2,7 +2,7 @@
 #include <mutex>
 #include <new>
 
-#include "posix/sync/sync.h"
+#include "common/sync/sync.h"
 
 namespace host {
 namespace {

@@ -2,10 +2,10 @@
 #include <memory>
 #include <utility>
 
-#include "posix/calls/errors.h"
-#include "posix/kernel/handles.h"
+#include "common/calls/errors.h"
+#include "common/kernel/handles.h"
+#include "common/sync/sync.h"
 #include "posix/kernel/named_object.h"
-#include "posix/sync/sync.h"
 #include "posix/sync/waits.h"
 
 namespace host {
@@ -45,7 +45,7 @@ class Event final : public Waitable {
 
 HANDLE CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manual_reset, BOOL initial_state, LPCWSTR name) {
   const EventState state{manual_reset != FALSE, initial_state != FALSE};
-  ThreadError() = ERROR_SUCCESS;
+  SetLastError(ERROR_SUCCESS);
   if (name == nullptr || *name == 0) return InsertHandle(std::make_shared<Event>(state));
   auto named = NamedObject::Open(name, ObjectKind::kEvent, [&](ObjectSlot& slot, const auto&) { slot.event = state; });
   return named == nullptr ? nullptr : InsertHandle(std::make_shared<Event>(std::move(named)));

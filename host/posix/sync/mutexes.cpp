@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "posix/calls/calls.h"
-#include "posix/calls/errors.h"
-#include "posix/kernel/handles.h"
-#include "posix/sync/sync.h"
+#include "common/calls/calls.h"
+#include "common/calls/errors.h"
+#include "common/kernel/handles.h"
+#include "common/sync/sync.h"
 #include "posix/sync/thread_state.h"
 
 namespace host {
@@ -108,7 +108,7 @@ void AbandonMutexes(ThreadState& thread) {
 
 HANDLE CreateMutexW(LPSECURITY_ATTRIBUTES, BOOL initial_owner, LPCWSTR name) {
   ThreadState* owner = initial_owner != FALSE ? &CurrentThread() : nullptr;
-  ThreadError() = ERROR_SUCCESS;
+  SetLastError(ERROR_SUCCESS);
   if (name == nullptr || *name == 0) return InsertHandle(std::make_shared<Mutex>(owner));
   auto named = OpenNamedMutex(name, owner);
   return named == nullptr ? nullptr : InsertHandle(std::make_shared<Mutex>(std::move(named)));

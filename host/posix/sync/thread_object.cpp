@@ -2,8 +2,8 @@
 
 #include <atomic>
 
-#include "posix/calls/calls.h"
-#include "posix/kernel/handles.h"
+#include "common/calls/calls.h"
+#include "common/kernel/handles.h"
 #include "posix/sync/thread_state.h"
 
 namespace host {

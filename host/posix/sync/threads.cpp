@@ -1,4 +1,4 @@
-#include "posix/sync/threads.h"
+#include "common/sync/threads.h"
 
 #include <sched.h>
 #include <unistd.h>
@@ -7,8 +7,8 @@
 #include <ctime>
 #include <thread>
 
-#include "posix/calls/errors.h"
-#include "posix/kernel/handles.h"
+#include "common/calls/errors.h"
+#include "common/kernel/handles.h"
 #include "posix/sync/thread_object.h"
 #include "posix/sync/thread_state.h"
 

@@ -1,9 +1,9 @@
 // The waits by handle.
 #include <algorithm>
 
-#include "posix/calls/errors.h"
-#include "posix/kernel/handles.h"
-#include "posix/sync/sync.h"
+#include "common/calls/errors.h"
+#include "common/kernel/handles.h"
+#include "common/sync/sync.h"
 #include "posix/sync/thread_state.h"
 #include "posix/sync/waits.h"
 #include "posix/windows/message_queue.h"

@@ -15,7 +15,7 @@
 #include <mutex>
 #include <vector>
 
-#include "posix/kernel/handles.h"
+#include "common/kernel/handles.h"
 #include "posix/sync/futex.h"
 
 namespace host {

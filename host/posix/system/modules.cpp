@@ -1,13 +1,13 @@
-#include "posix/system/modules.h"
+#include "common/system/modules.h"
 
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 
-#include "posix/calls/errors.h"
-#include "posix/text/text.h"
-#include "posix/text/utf.h"
+#include "common/calls/errors.h"
+#include "common/text/text.h"
+#include "common/text/utf.h"
 
 namespace host {
 namespace {

@@ -28,9 +28,6 @@ class CodePage {
 /// The code page of this number, 0 meaning the ANSI code page; null when it is not supported.
 const CodePage* FindCodePage(unsigned number);
 
-/// Chooses what code page 0 means: 1252 (at start) or 932. False, and no change, for any other.
-bool SetAnsiCodePage(unsigned number);
-
 const CodePage* CodePage1252();
 /// Null when this machine cannot convert it.
 const CodePage* CodePage932();

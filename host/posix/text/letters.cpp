@@ -1,6 +1,6 @@
 // Letters: simple upper case, and the composed forms that the supported code pages hold.
 
-#include "posix/text/text.h"
+#include "common/text/text.h"
 
 namespace host {
 namespace {

@@ -1,10 +1,10 @@
-#include "posix/text/text.h"
+#include "common/text/text.h"
 
 #include <cstring>
 #include <string>
 #include <string_view>
 
-#include "posix/calls/errors.h"
+#include "common/calls/errors.h"
 #include "posix/text/code_pages.h"
 
 namespace host {

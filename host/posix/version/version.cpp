@@ -1,12 +1,12 @@
-#include "posix/version/version.h"
+#include "common/version/version.h"
 
 #include <algorithm>
 #include <cstring>
 #include <string_view>
 #include <vector>
 
-#include "posix/calls/errors.h"
-#include "posix/streams/devices.h"
+#include "common/calls/errors.h"
+#include "common/streams/devices.h"
 #include "posix/version/executable.h"
 #include "posix/version/version_block.h"
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "posix/text/text.h"
+#include "common/text/text.h"
 
 namespace host {
 namespace {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "posix/calls/calls.h"
+#include "common/calls/calls.h"
+#include "common/windows/windows_messages.h"
 #include "posix/windows/window_table.h"
-#include "posix/windows/windows_messages.h"
 
 namespace host {
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "posix/text/text.h"
+#include "common/text/text.h"
 
 namespace host {
 namespace {

@@ -1,10 +1,10 @@
 // Windows: their classes, their life and what is set in them.
-#include "posix/calls/call_procedure.h"
-#include "posix/calls/errors.h"
+#include "common/calls/call_procedure.h"
+#include "common/calls/errors.h"
+#include "common/sync/threads.h"
+#include "common/windows/windows_messages.h"
 #include "posix/sync/thread_state.h"
-#include "posix/sync/threads.h"
 #include "posix/windows/window_table.h"
-#include "posix/windows/windows_messages.h"
 
 namespace host {
 namespace {

@@ -1,12 +1,12 @@
-#include "posix/windows/windows_messages.h"
+#include "common/windows/windows_messages.h"
 
 #include <memory>
 #include <optional>
 
-#include "posix/calls/call_procedure.h"
-#include "posix/calls/errors.h"
+#include "common/calls/call_procedure.h"
+#include "common/calls/errors.h"
+#include "common/sync/threads.h"
 #include "posix/sync/thread_state.h"
-#include "posix/sync/threads.h"
 #include "posix/windows/message_queue.h"
 #include "posix/windows/window_table.h"
 

@@ -9,9 +9,9 @@
 #include <thread>
 
 #include "QXCommMgr.h"
+#include "common/calls/calls.h"
+#include "common/kernel/handles.h"
 #include "link/comm_io_exception.h"
-#include "posix/calls/calls.h"
-#include "posix/kernel/handles.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

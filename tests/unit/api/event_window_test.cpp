@@ -6,8 +6,8 @@
 #include <atomic>
 #include <vector>
 
+#include "common/windows/windows_messages.h"
 #include "instrument/event_window.h"
-#include "posix/windows/windows_messages.h"
 #include "support/test_application.h"
 
 namespace {

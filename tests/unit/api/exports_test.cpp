@@ -9,7 +9,7 @@
 #include <string>
 
 #include "api/open_services.h"
-#include "posix/ports/ports.h"
+#include "common/ports/ports.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

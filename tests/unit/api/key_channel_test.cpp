@@ -8,10 +8,10 @@
 #include <mutex>
 #include <vector>
 
+#include "common/kernel/handles.h"
+#include "common/kernel/named_objects.h"
 #include "instrument/keys.h"
 #include "instrument/other_process.h"
-#include "posix/kernel/handles.h"
-#include "posix/kernel/named_objects.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

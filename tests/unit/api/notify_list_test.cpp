@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "QXCommMgr.h"
-#include "posix/windows/windows_messages.h"
+#include "common/windows/windows_messages.h"
 #include "support/test_application.h"
 
 namespace {

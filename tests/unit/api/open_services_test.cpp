@@ -12,14 +12,14 @@
 #include <vector>
 
 #include "api/diagnostics.h"
+#include "common/kernel/handles.h"
+#include "common/kernel/named_objects.h"
+#include "common/kernel/shared_memory.h"
+#include "common/ports/ports.h"
+#include "common/sync/threads.h"
+#include "common/windows/windows_messages.h"
 #include "instrument/event_window.h"
 #include "instrument/keys.h"
-#include "posix/kernel/handles.h"
-#include "posix/kernel/named_objects.h"
-#include "posix/kernel/shared_memory.h"
-#include "posix/ports/ports.h"
-#include "posix/sync/threads.h"
-#include "posix/windows/windows_messages.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <thread>
 
+#include "common/kernel/handles.h"
 #include "instrument/keys.h"
-#include "posix/kernel/handles.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

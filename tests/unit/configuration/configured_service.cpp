@@ -4,10 +4,10 @@
 #include <cinttypes>
 #include <cstdio>
 
+#include "common/text/hex.h"
 #include "instrument/gpio.h"
 #include "instrument/parameter_blocks.h"
 #include "instrument/store.h"
-#include "posix/text/hex.h"
 
 namespace qxtest {
 

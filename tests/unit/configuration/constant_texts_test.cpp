@@ -1,7 +1,7 @@
 // The texts among the constants: brand and name, which share one item of the store, and the serial number.
 #include <string>
 
-#include "posix/text/code_pages.h"
+#include "common/text/text.h"
 #include "unit/configuration/configured_service.h"
 
 namespace qxtest {

@@ -9,9 +9,9 @@
 #include "commands/instrument/devices/gpio.h"
 #include "commands/instrument/devices/i2c_bus.h"
 #include "commands/instrument/devices/sensors.h"
+#include "common/kernel/handles.h"
 #include "instrument/gpio.h"
 #include "instrument/i2c_bus.h"
-#include "posix/kernel/handles.h"
 #include "unit/devices/device_service.h"
 
 namespace qxtest {

@@ -7,9 +7,9 @@
 #include <thread>
 
 #include "commands/instrument/devices/gpio.h"
-#include "posix/kernel/handles.h"
-#include "posix/sync/sync.h"
-#include "posix/text/utf.h"
+#include "common/kernel/handles.h"
+#include "common/sync/sync.h"
+#include "common/text/utf.h"
 #include "unit/devices/device_service.h"
 
 namespace qxtest {

@@ -5,9 +5,9 @@
 
 #include <string>
 
+#include "common/kernel/handles.h"
+#include "common/ports/ports.h"
 #include "instrument/i2c_bus.h"
-#include "posix/kernel/handles.h"
-#include "posix/ports/ports.h"
 #include "support/test_application.h"
 #include "unit/devices/device_service.h"
 

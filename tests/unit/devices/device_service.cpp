@@ -7,17 +7,17 @@
 #include <memory>
 #include <utility>
 
+#include "common/kernel/handles.h"
+#include "common/streams/devices.h"
+#include "common/streams/streams.h"
+#include "common/sync/sync.h"
+#include "common/system/identity.h"
+#include "common/text/utf.h"
 #include "instrument/driver_stream.h"
 #include "instrument/gpio.h"
 #include "instrument/i2c_bus.h"
 #include "instrument/radio.h"
 #include "instrument/store.h"
-#include "posix/kernel/handles.h"
-#include "posix/streams/devices.h"
-#include "posix/streams/streams.h"
-#include "posix/sync/sync.h"
-#include "posix/system/identity.h"
-#include "posix/text/utf.h"
 
 namespace qxtest {
 

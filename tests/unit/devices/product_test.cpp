@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "posix/system/identity.h"
+#include "common/system/identity.h"
 #include "support/pe_file.h"
 #include "unit/devices/device_service.h"
 

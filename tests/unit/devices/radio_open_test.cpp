@@ -4,9 +4,9 @@
 
 #include <string>
 
+#include "common/ports/ports.h"
 #include "instrument/radio.h"
 #include "link/bluetooth_radio.h"
-#include "posix/ports/ports.h"
 #include "support/test_application.h"
 #include "unit/devices/device_service.h"
 

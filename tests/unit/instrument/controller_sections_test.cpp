@@ -1,16 +1,17 @@
 // The controller's side of the state document (battery, clock, system), on a whole simulator whose service is open.
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
 
+#include "common/calls/ce_calls.h"
+#include "common/system/identity.h"
+#include "common/system/power.h"
+#include "common/system/programs.h"
 #include "instrument/battery.h"
 #include "instrument/instrument_libraries.h"
-#include "posix/calls/ce_calls.h"
-#include "posix/system/identity.h"
-#include "posix/system/power.h"
-#include "posix/system/programs.h"
 #include "support/test_application.h"
 #include "tools/simulator_test.h"
 #include "unit/instrument/event_sink.h"
@@ -59,6 +60,13 @@ TEST_F(BatterySection, IsReadThroughTheQuery) {
 }
 
 TEST_F(BatterySection, ListsTheQueryByItsOrdinal) {
+  // The service asks once right after its open.
+  const auto asked = [&] {
+    const Json calls = CallsSince(0);
+    return std::any_of(calls.begin(), calls.end(),
+                       [](const Json& call) { return call["call"] == QX_BATTERY_QUERY_ORDINAL; });
+  };
+  ASSERT_TRUE(WaitUntil(asked));
   const std::uint64_t since = NextCall();
   Record record = {};
   FindQuery()(record.data());

@@ -1,8 +1,8 @@
 #include "unit/instrument/device_bus.h"
 
+#include "common/text/hex.h"
 #include "instrument/gpio.h"
 #include "instrument/radio.h"
-#include "posix/text/hex.h"
 
 namespace qxtest {
 namespace {

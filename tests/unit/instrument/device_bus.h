@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "common/calls/calls.h"
 #include "instrument/drivers.h"
 #include "instrument/sensors.h"
-#include "posix/calls/calls.h"
 
 namespace qxtest {
 

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <thread>
 
-#include "posix/ports/ports.h"
+#include "common/ports/ports.h"
 #include "support/test_application.h"
 #include "unit/instrument/device_bus.h"
 

@@ -5,8 +5,8 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "common/registry/registry_tree.h"
 #include "instrument/registry_json.h"
-#include "posix/registry/registry_tree.h"
 
 namespace {
 

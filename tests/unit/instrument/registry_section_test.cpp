@@ -5,8 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "common/registry/registry.h"
 #include "instrument/registry_json.h"
-#include "posix/registry/registry.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include <variant>
 #include <vector>
 
+#include "common/calls/calls.h"
 #include "instrument/stored_sections.h"
-#include "posix/calls/calls.h"
 
 namespace qxtest {
 

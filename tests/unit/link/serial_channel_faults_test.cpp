@@ -11,9 +11,9 @@
 #include <string>
 #include <thread>
 
+#include "common/kernel/handles.h"
+#include "common/ports/ports.h"
 #include "link/serial_channel.h"
-#include "posix/kernel/handles.h"
-#include "posix/ports/ports.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

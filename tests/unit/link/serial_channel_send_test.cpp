@@ -8,10 +8,10 @@
 #include <thread>
 #include <vector>
 
+#include "common/kernel/handles.h"
+#include "common/ports/ports.h"
 #include "link/serial_channel.h"
 #include "platform/event.h"
-#include "posix/kernel/handles.h"
-#include "posix/ports/ports.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 #include "unit/link/serial_channel_port.h"

@@ -10,9 +10,9 @@
 #include <thread>
 #include <vector>
 
+#include "common/kernel/handles.h"
+#include "common/ports/ports.h"
 #include "platform/event.h"
-#include "posix/kernel/handles.h"
-#include "posix/ports/ports.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 #include "unit/link/serial_channel_port.h"

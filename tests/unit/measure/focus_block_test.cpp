@@ -7,9 +7,9 @@
 #include <stdexcept>
 #include <string>
 
+#include "common/kernel/handles.h"
 #include "platform/event.h"
 #include "platform/shared_block.h"
-#include "posix/kernel/handles.h"
 #include "unit/measure/focusing_service.h"
 
 namespace qxtest {

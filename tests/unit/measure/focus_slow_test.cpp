@@ -5,7 +5,7 @@
 #include <string>
 #include <thread>
 
-#include "posix/kernel/handles.h"
+#include "common/kernel/handles.h"
 #include "unit/measure/focusing_service.h"
 
 namespace qxtest {

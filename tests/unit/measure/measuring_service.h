@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "api/comm_manager.h"
+#include "common/calls/calls.h"
 #include "instrument/angles.h"
 #include "instrument/focus_side.h"
-#include "posix/calls/calls.h"
 #include "support/memory_link.h"
 #include "support/test_application.h"
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "api/comm_manager.h"
-#include "posix/calls/calls.h"
+#include "common/calls/calls.h"
 #include "support/memory_link.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <thread>
 
-#include "posix/calls/calls.h"
-#include "posix/sync/sync.h"
+#include "common/calls/calls.h"
+#include "common/sync/sync.h"
 #include "support/test_application.h"
 
 namespace {

@@ -5,8 +5,8 @@
 
 #include <utility>
 
+#include "common/kernel/handles.h"
 #include "platform/text.h"
-#include "posix/kernel/handles.h"
 
 namespace {
 

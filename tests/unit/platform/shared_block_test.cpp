@@ -8,10 +8,10 @@
 #include <string>
 #include <thread>
 
+#include "common/calls/calls.h"
+#include "common/kernel/handles.h"
+#include "common/sync/sync.h"
 #include "platform/lock.h"
-#include "posix/calls/calls.h"
-#include "posix/kernel/handles.h"
-#include "posix/sync/sync.h"
 #include "support/test_application.h"
 
 namespace {

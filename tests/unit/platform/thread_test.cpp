@@ -6,9 +6,9 @@
 #include <atomic>
 #include <cstdlib>
 
-#include "posix/calls/calls.h"
-#include "posix/kernel/handles.h"
-#include "posix/sync/sync.h"
+#include "common/calls/calls.h"
+#include "common/kernel/handles.h"
+#include "common/sync/sync.h"
 #include "support/test_application.h"
 
 namespace {

@@ -6,11 +6,11 @@
 #include <stdexcept>
 #include <thread>
 
+#include "common/calls/calls.h"
+#include "common/sync/sync.h"
+#include "common/windows/windows_messages.h"
 #include "platform/event.h"
 #include "platform/lock.h"
-#include "posix/calls/calls.h"
-#include "posix/sync/sync.h"
-#include "posix/windows/windows_messages.h"
 #include "support/test_application.h"
 
 namespace {

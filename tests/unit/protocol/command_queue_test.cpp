@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "posix/sync/sync.h"
+#include "common/sync/sync.h"
 
 namespace {
 

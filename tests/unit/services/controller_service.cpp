@@ -6,13 +6,13 @@
 #include <fstream>
 #include <sstream>
 
+#include "common/files/file_root.h"
+#include "common/files/program_files.h"
+#include "common/registry/registry.h"
+#include "common/system/clock.h"
+#include "common/system/power.h"
+#include "common/system/programs.h"
 #include "instrument/battery.h"
-#include "posix/disk/file_root.h"
-#include "posix/files/program_files.h"
-#include "posix/registry/registry.h"
-#include "posix/system/clock.h"
-#include "posix/system/power.h"
-#include "posix/system/programs.h"
 
 namespace qxtest {
 

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "posix/kernel/handles.h"
+#include "common/kernel/handles.h"
 #include "unit/services/controller_service.h"
 
 namespace qxtest {

@@ -1,11 +1,11 @@
 // ST_PWR.
-#include "posix/system/power.h"
+#include "common/system/power.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "posix/kernel/handles.h"
+#include "common/kernel/handles.h"
 #include "unit/services/controller_service.h"
 
 namespace qxtest {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "posix/disk/file_root.h"
+#include "common/files/file_root.h"
 #include "unit/services/controller_service.h"
 
 namespace qxtest {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "posix/kernel/handles.h"
+#include "common/kernel/handles.h"
 #include "unit/services/controller_service.h"
 
 namespace qxtest {

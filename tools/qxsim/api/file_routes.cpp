@@ -1,8 +1,8 @@
 // GET /files?path=P and PATCH /files: attributes and last-write time of one file or folder of the instrument.
 #include <nlohmann/json.hpp>
 
-#include "posix/files/file_facts.h"
-#include "posix/text/utf.h"
+#include "common/files/file_facts.h"
+#include "common/text/utf.h"
 #include "qxsim/api/members.h"
 #include "qxsim/api/routes.h"
 #include "qxsim/api/time_text.h"

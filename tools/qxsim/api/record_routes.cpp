@@ -2,7 +2,7 @@
 //   GET /calls?since=N  ->  {"next": M, "calls": [...]}       GET /notifications?since=N likewise
 #include <nlohmann/json.hpp>
 
-#include "posix/calls/calls.h"
+#include "common/calls/calls.h"
 #include "qxsim/api/members.h"
 #include "qxsim/api/routes.h"
 #include "qxsim/line_text.h"

@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "posix/system/calendar.h"
-#include "posix/system/clock.h"
+#include "common/system/calendar.h"
+#include "common/system/clock.h"
 #include "qxsim/api/http_types.h"
 
 namespace qxsim {

@@ -4,9 +4,9 @@
 #include <chrono>
 #include <nlohmann/json.hpp>
 
+#include "common/kernel/named_objects.h"
 #include "instrument/event_window.h"
 #include "instrument/focus_side.h"
-#include "posix/kernel/named_objects.h"
 #include "qxsim/api/members.h"
 #include "qxsim/api/routes.h"
 #include "qxsim/line_text.h"

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "posix/windows/windows_messages.h"
+#include "common/windows/windows_messages.h"
 
 namespace qxsim {
 namespace {
@@ -19,7 +19,7 @@ ATOM WindowClass(WNDPROC procedure) {
   static const ATOM atom = [procedure] {
     WNDCLASSW description = {};
     description.lpfnWndProc = procedure;
-    description.lpszClassName = u"QxSimApplication";
+    description.lpszClassName = TEXT("QxSimApplication");
     return host::RegisterClassW(&description);
   }();
   return atom;

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "common/calls/calls.h"
 #include "instrument/event_window.h"
-#include "posix/calls/calls.h"
 
 namespace qxsim {
 namespace {

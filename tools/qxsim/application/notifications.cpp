@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "posix/calls/calls.h"
+#include "common/calls/calls.h"
 
 namespace qxsim {
 namespace {

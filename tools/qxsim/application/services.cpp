@@ -5,9 +5,9 @@
 #include <iterator>
 #include <vector>
 
+#include "common/text/utf.h"
 #include "instrument/battery.h"
 #include "instrument/event_window.h"
-#include "posix/text/utf.h"
 
 namespace qxsim {
 namespace {
@@ -32,9 +32,9 @@ class FilledBuffer {
   }
   /// The text up to its zero; empty when it has none.
   std::string Text() const {
-    const std::u16string_view units(static_cast<const char16_t*>(data_), bytes_ / sizeof(char16_t));
-    const std::size_t end = units.find(u'\0');
-    return end == std::u16string_view::npos ? std::string() : host::WideToUtf8(units.substr(0, end));
+    const host::WideView units(static_cast<const WCHAR*>(data_), bytes_ / sizeof(WCHAR));
+    const std::size_t end = units.find(TEXT('\0'));
+    return end == host::WideView::npos ? std::string() : host::WideToUtf8(units.substr(0, end));
   }
 
  private:
@@ -45,7 +45,7 @@ class FilledBuffer {
 constexpr std::uint32_t kRoomForPortName = 520;
 
 ExportResult OpenComm(const ExportCall& call) {
-  const std::u16string name = host::Utf8ToWide(call.port.value_or(""));
+  const host::WideString name = host::Utf8ToWide(call.port.value_or(""));
   return {QCMOpenComm(call.port ? name.c_str() : nullptr), {}, {}};
 }
 
