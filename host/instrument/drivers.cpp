@@ -4,6 +4,7 @@
 #include "instrument/gpio.h"
 #include "instrument/i2c_bus.h"
 #include "instrument/radio.h"
+#include "instrument/system_calls.h"
 
 namespace host::instrument {
 namespace {

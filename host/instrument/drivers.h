@@ -6,7 +6,9 @@
 #ifndef QXHOST_INSTRUMENT_DRIVERS_H
 #define QXHOST_INSTRUMENT_DRIVERS_H
 
-#include "instrument/system_calls.h"
+#include <windows.h>
+
+#include <cstdint>
 
 extern "C" {
 

@@ -9,12 +9,12 @@
 namespace host::instrument {
 namespace {
 
-constexpr char kName[] = "GIO1:";
+constexpr char kDriverName[] = "GIO1:";
 constexpr DWORD kDriveCode = 0xE7702004;
 
 class GpioDriver final : public DriverStream {
  public:
-  std::string Name() const override { return kName; }
+  std::string Name() const override { return kDriverName; }
   BOOL Control(DWORD code, const void* in, DWORD in_bytes, void* out, DWORD out_bytes, DWORD* returned) override;
 };
 
@@ -28,7 +28,7 @@ BOOL GpioDriver::Control(DWORD code, const void* in, DWORD in_bytes, void*, DWOR
     return Gpio::Instance().Drive(line, level) ? TRUE : Fail(ERROR_INVALID_PARAMETER, FALSE);
   };
   return Entry(
-      kName, "control", true,
+      kDriverName, "control", true,
       [&] {
         return CallValues{words[0], words[1]};
       },
@@ -59,7 +59,7 @@ void Gpio::Reset() {
   levels_ = {{kAlwaysShown, 0}};
 }
 
-void LoadGpioDriver() { RegisterDriver<GpioDriver>(kName); }
-void UnloadGpioDriver() { UnregisterDevice(kName); }
+void LoadGpioDriver() { RegisterDriver<GpioDriver>(kDriverName); }
+void UnloadGpioDriver() { UnregisterDevice(kDriverName); }
 
 }  // namespace host::instrument

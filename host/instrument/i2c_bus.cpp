@@ -12,7 +12,7 @@
 namespace host::instrument {
 namespace {
 
-constexpr char kName[] = "I2C5:";
+constexpr char kBusName[] = "I2C5:";
 constexpr DWORD kTransferCode = 0xA8D42000;
 constexpr DWORD kTooLong = 1024;
 
@@ -39,7 +39,7 @@ namespace {
 
 class I2cBus final : public DriverStream {
  public:
-  std::string Name() const override { return kName; }
+  std::string Name() const override { return kBusName; }
   BOOL Control(DWORD code, const void* in, DWORD in_bytes, void* out, DWORD out_bytes, DWORD* returned) override;
 
  private:
@@ -63,7 +63,7 @@ BOOL I2cBus::Control(DWORD code, const void* in, DWORD in_bytes, void* out, DWOR
   const bool reads = out != nullptr;
   const char* const call = !reads ? "write" : sent.empty() ? "read" : "transfer";
   const Outcome outcome = Entry(
-      kName, call, true,
+      kBusName, call, true,
       [&] {
         return CallValues{bytes[0], HexOf(sent.data(), sent.size()), out_bytes};
       },
@@ -76,7 +76,7 @@ BOOL I2cBus::Control(DWORD code, const void* in, DWORD in_bytes, void* out, DWOR
 
 }  // namespace
 
-void LoadI2cDriver() { RegisterDriver<I2cBus>(kName); }
-void UnloadI2cDriver() { UnregisterDevice(kName); }
+void LoadI2cDriver() { RegisterDriver<I2cBus>(kBusName); }
+void UnloadI2cDriver() { UnregisterDevice(kBusName); }
 
 }  // namespace host::instrument

@@ -10,17 +10,17 @@
 namespace host::instrument {
 namespace {
 
-constexpr WCHAR kEventName[] = TEXT("KORAX-HALVERN.RZM.CommKeyDownEv");
-constexpr WCHAR kBlockName[] = TEXT("KORAX-HALVERN.RZM.CommKeyData");
-constexpr WCHAR kMutexName[] = TEXT("KORAX-HALVERN.RZM.CommKeyDataMtx");
+constexpr WCHAR kKeyEventName[] = TEXT("KORAX-HALVERN.RZM.CommKeyDownEv");
+constexpr WCHAR kKeyBlockName[] = TEXT("KORAX-HALVERN.RZM.CommKeyData");
+constexpr WCHAR kKeyMutexName[] = TEXT("KORAX-HALVERN.RZM.CommKeyDataMtx");
 constexpr DWORD kSetEvent = 3;
 
 }  // namespace
 
 KeyProcess::KeyProcess() {
-  event_ = host::CreateEventW(nullptr, TRUE, FALSE, kEventName);
-  mutex_ = host::CreateMutexW(nullptr, FALSE, kMutexName);
-  block_ = host::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof *code_, kBlockName);
+  event_ = host::CreateEventW(nullptr, TRUE, FALSE, kKeyEventName);
+  mutex_ = host::CreateMutexW(nullptr, FALSE, kKeyMutexName);
+  block_ = host::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof *code_, kKeyBlockName);
   if (block_ != nullptr) {
     code_ = static_cast<std::uint32_t*>(host::MapViewOfFile(block_, FILE_MAP_ALL_ACCESS, 0, 0, sizeof *code_));
   }

@@ -117,10 +117,10 @@ TEST_F(CriticalSection, ItsOwnerEntersAgainAndLeavesAsOften) {
 }
 
 TEST_F(CriticalSection, LetsOneThreadInAtATime) {
-  constexpr int kRounds = 2000;
+  constexpr int kEntries = 2000;
   int count = 0;
   const auto work = [&]() -> DWORD {
-    for (int i = 0; i < kRounds; ++i) {
+    for (int i = 0; i < kEntries; ++i) {
       EnterCriticalSection(&section_);
       ++count;
       LeaveCriticalSection(&section_);
@@ -128,7 +128,7 @@ TEST_F(CriticalSection, LetsOneThreadInAtATime) {
     return 0;
   };
   { TestThread first(work), second(work), third(work); }
-  EXPECT_EQ(count, 3 * kRounds);
+  EXPECT_EQ(count, 3 * kEntries);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 namespace qxtest {
 namespace {
 
-constexpr std::chrono::seconds kPatience{20};
+constexpr std::chrono::seconds kReadyTime{20};
 
 /// The word behind "port=" in "qxsim ready port=... http=...".
 std::string Value(const std::string& line, const std::string& name) {
@@ -28,7 +28,7 @@ QxsimProcess::QxsimProcess(const std::vector<std::string>& options, bool ephemer
   arguments.insert(arguments.end(), options.begin(), options.end());
   // Its temporary files go where the test's own are removed, however it ends.
   process_ = std::make_unique<Process>(arguments, folder_.path(), std::vector<std::string>{"TMPDIR=" + folder_.path()});
-  ready_line_ = process_->ReadLine(kPatience).value_or("");
+  ready_line_ = process_->ReadLine(kReadyTime).value_or("");
   port_ = Value(ready_line_, "port");
   url_ = Value(ready_line_, "http");
   if (port_.empty()) throw std::runtime_error("qxsim is not ready: " + process_->ErrorText());
@@ -41,7 +41,7 @@ HttpClient& QxsimProcess::http() {
 
 int QxsimProcess::Stop() {
   process_->Signal(SIGINT);
-  return process_->Wait(kPatience).value_or(-1);
+  return process_->Wait(kReadyTime).value_or(-1);
 }
 
 }  // namespace qxtest

@@ -202,6 +202,29 @@ class ReportTest(unittest.TestCase):
     def test_a_skipped_test_that_leaks_has_failed(self):
         self.assertEqual(self.skip("ERROR: LeakSanitizer: detected memory leaks"), ("failed", ""))
 
+    def collect_suite(self, status, *cases):
+        with tempfile.TemporaryDirectory() as folder:
+            record = "".join(cases)
+            Path(folder, "unit.P_Suite.xml").write_text(
+                f"<testsuites><testsuite>{record}</testsuite></testsuites>")
+            junit = Path(folder, "junit.xml")
+            junit.write_text(f'<testsuite><testcase name="unit.P/Suite" status="{status}"/></testsuite>')
+            return test_report.collect("asan", junit, folder)
+
+    PASSED = '<testcase classname="P/Suite" name="A/0" status="run" result="completed"/>'
+    FAILED = '<testcase classname="P/Suite" name="B/0" status="run"><failure message="x"/></testcase>'
+    SKIPPED = '<testcase classname="P/Suite" name="C/0" status="run"><skipped message="x.cpp:1&#x0A;no wine"/></testcase>'
+
+    def test_a_suite_counts_as_its_tests(self):
+        rows = self.collect_suite("fail", self.PASSED, self.FAILED, self.SKIPPED)
+        self.assertEqual(rows, [("passed", "asan.unit.P/Suite.A/0", ""), ("failed", "asan.unit.P/Suite.B/0", ""),
+                                ("skipped", "asan.unit.P/Suite.C/0", "no wine")])
+
+    def test_a_suite_that_fails_without_a_failed_test_has_failed(self):
+        rows = self.collect_suite("fail", self.PASSED)
+        self.assertEqual([row[0] for row in rows], ["passed", "failed"])
+        self.assertEqual(rows[1][1], "asan.unit.P/Suite")
+
     def test_a_run_without_a_record_has_failed(self):
         self.assertEqual(test_report.collect("asan", "no/such/file.xml")[0][:2], ("failed", "asan.ctest"))
 

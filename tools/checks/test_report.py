@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Adds up what the stages of a test run have found.
 
-  test_report.py collect STAGE JUNIT.XML    result rows of one ctest run, for a stage's result file
+  test_report.py collect STAGE JUNIT.XML RECORDS   result rows of one ctest run, for a stage's result file
   test_report.py summary FILE ...           skipped and failed tests by name; the last line is the sum
 
+RECORDS is the folder where suites that run as one of ctest's tests leave a record of their own (tests/suites.py).
 A result row is "passed", "failed" or "skipped", the name, and the reason for skipping, parted by tabs.
 """
 import re
@@ -34,13 +35,45 @@ def judge(testcase):
     return "failed", ""
 
 
-def collect(stage, junit):
+def judge_recorded(testcase):
+    """One <testcase> of a suite's own record as (kind, reason)."""
+    if testcase.find("failure") is not None:
+        return "failed", ""
+    skipped = testcase.find("skipped")
+    if skipped is not None:
+        text = (skipped.text or skipped.get("message") or "").strip().split("\n", 1)
+        return "skipped", " ".join(text[-1].split()) or "no reason given"
+    return ("passed", "") if testcase.get("status") == "run" else ("skipped", "disabled")
+
+
+def recorded(name, record):
+    """The tests of one suite as [(name, kind, reason)], from the record it left."""
+    folder = name.split(".", 1)[0]
+    cases = ElementTree.parse(record).getroot().iter("testcase")
+    rows = [(f"{folder}.{case.get('classname')}.{case.get('name')}", case) for case in cases]
+    return [(test, *judge_recorded(case)) for test, case in rows if case.get("result") != "suppressed"]
+
+
+def expand(name, case, records):
+    """One of ctest's tests as rows: its suite's tests where it left a record, else itself."""
+    kind, reason = judge(case)
+    record = Path(records) / (name.replace("/", "_") + ".xml")
+    if not record.is_file():
+        return [(name, kind, reason)]
+    rows = recorded(name, record)
+    # What fails without a failed test (a leak at the end, a crash behind the last one) has failed as a whole.
+    if kind == "failed" and all(row[1] != "failed" for row in rows):
+        rows.append((name, "failed", ""))
+    return rows
+
+
+def collect(stage, junit, records="no/records"):
     """Result rows of one ctest run; a run that left no readable record is one failure."""
     try:
         cases = ElementTree.parse(junit).getroot().findall("testcase")
     except (OSError, ElementTree.ParseError) as error:
         return [("failed", f"{stage}.ctest", str(error))]
-    judged = [(case.get("name").split("  # GetParam()")[0], *judge(case)) for case in cases]
+    judged = [row for case in cases for row in expand(case.get("name").split("  # GetParam()")[0], case, records)]
     # A program that was not built stands there once for each way its tests are run.
     return list(dict.fromkeys((kind, f"{stage}.{name}", reason) for name, kind, reason in judged))
 
@@ -69,8 +102,8 @@ def summary(rows):
 
 
 def main(arguments):
-    if len(arguments) == 3 and arguments[0] == "collect":
-        for row in collect(arguments[1], arguments[2]):
+    if len(arguments) == 4 and arguments[0] == "collect":
+        for row in collect(*arguments[1:]):
             print("\t".join(row))
         return 0
     if len(arguments) >= 2 and arguments[0] == "summary":

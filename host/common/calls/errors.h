@@ -13,6 +13,9 @@ Result Fail(DWORD error, Result result) {
   return result;
 }
 
+/// What a call returns that has ended with this error, 0 for none.
+inline BOOL Done(DWORD error) { return error == ERROR_SUCCESS ? TRUE : Fail(error, FALSE); }
+
 }  // namespace host
 
 #endif

@@ -20,7 +20,7 @@ struct FaultTable {
   std::vector<ArmedFault> faults;  // guarded by mutex
 };
 
-FaultTable& Table() {
+FaultTable& TheFaults() {
   static auto* table = new FaultTable;  // calls may still come while the process ends
   return *table;
 }
@@ -67,7 +67,7 @@ struct Outcome {
 
 // Every matching fault counts the call; where several apply at once, the oldest one's word stands.
 Outcome Count(const internal::CallView& call) {
-  FaultTable& table = Table();
+  FaultTable& table = TheFaults();
   const std::lock_guard<std::mutex> lock(table.mutex);
   Outcome outcome;
   for (ArmedFault& armed : table.faults) {
@@ -96,14 +96,14 @@ std::optional<std::int64_t> internal::TakeFaults(const CallView& call) {
 }
 
 void AddFault(Fault fault) {
-  FaultTable& table = Table();
+  FaultTable& table = TheFaults();
   const std::lock_guard<std::mutex> lock(table.mutex);
   table.faults.push_back({std::move(fault), 0});
   internal::watch.fetch_or(internal::kFaultsSet);
 }
 
 void ClearFaults() {
-  FaultTable& table = Table();
+  FaultTable& table = TheFaults();
   const std::lock_guard<std::mutex> lock(table.mutex);
   table.faults.clear();
   internal::watch.fetch_and(~internal::kFaultsSet);

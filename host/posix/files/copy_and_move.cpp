@@ -141,8 +141,6 @@ DWORD MoveByPath(LPCWSTR source, LPCWSTR destination) {
   return same_name ? ERROR_SUCCESS : Rename(from, to);
 }
 
-BOOL Done(DWORD error) { return error == ERROR_SUCCESS ? TRUE : Fail(error, FALSE); }
-
 }  // namespace
 
 BOOL CopyFileW(LPCWSTR source, LPCWSTR destination, BOOL fail_if_exists) {

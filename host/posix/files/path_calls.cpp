@@ -15,8 +15,6 @@
 namespace host {
 namespace {
 
-BOOL Done(DWORD error) { return error == ERROR_SUCCESS ? TRUE : Fail(error, FALSE); }
-
 DWORD MakeFolder(LPCWSTR path) {
   const auto lock = LockNames();
   Place place;

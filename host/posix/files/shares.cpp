@@ -13,7 +13,7 @@ struct ShareTable {
   std::multimap<FileId, const Share*> open;  // guarded by mutex
 };
 
-ShareTable& Table() {
+ShareTable& TheShares() {
   static auto* table = new ShareTable;  // files may still be closed while the process ends
   return *table;
 }
@@ -26,7 +26,7 @@ bool Lets(DWORD share, DWORD access) {
 }
 
 bool AllAllow(const FileId& file, DWORD access, DWORD share) {
-  ShareTable& table = Table();
+  ShareTable& table = TheShares();
   const std::lock_guard<std::mutex> lock(table.mutex);
   const auto [first, last] = table.open.equal_range(file);
   return std::all_of(first, last, [&](const auto& open) { return open.second->Allows(access, share); });
@@ -36,13 +36,13 @@ bool AllAllow(const FileId& file, DWORD access, DWORD share) {
 
 Share::Share(const FileId& file, std::vector<FileId> folders, DWORD access, DWORD share)
     : file_(file), folders_(std::move(folders)), access_(access), share_(share) {
-  ShareTable& table = Table();
+  ShareTable& table = TheShares();
   const std::lock_guard<std::mutex> lock(table.mutex);
   table.open.emplace(file_, this);
 }
 
 Share::~Share() {
-  ShareTable& table = Table();
+  ShareTable& table = TheShares();
   const std::lock_guard<std::mutex> lock(table.mutex);
   auto [open, last] = table.open.equal_range(file_);
   while (open != last && open->second != this) ++open;
@@ -62,13 +62,13 @@ std::unique_ptr<Share> TakeShare(const FileId& file, std::vector<FileId> folders
 }
 
 bool IsOpen(const FileId& file) {
-  ShareTable& table = Table();
+  ShareTable& table = TheShares();
   const std::lock_guard<std::mutex> lock(table.mutex);
   return table.open.count(file) != 0;
 }
 
 bool HoldsOpenFiles(const FileId& folder) {
-  ShareTable& table = Table();
+  ShareTable& table = TheShares();
   const std::lock_guard<std::mutex> lock(table.mutex);
   return std::any_of(table.open.begin(), table.open.end(),
                      [&](const auto& open) { return open.second->IsUnder(folder); });

@@ -83,7 +83,7 @@ class HandleTable {
   std::size_t library_handles_ = 0;
 };
 
-HandleTable& Table() {
+HandleTable& TheHandles() {
   static auto* table = new HandleTable;  // threads may outlive the end of main
   return *table;
 }
@@ -91,15 +91,15 @@ HandleTable& Table() {
 }  // namespace
 
 HANDLE InsertHandle(std::shared_ptr<KernelObject> object) {
-  HANDLE handle = Table().Insert(std::move(object));
+  HANDLE handle = TheHandles().Insert(std::move(object));
   return handle != nullptr ? handle : Fail(ERROR_NOT_ENOUGH_MEMORY, handle);
 }
 
-std::shared_ptr<KernelObject> FindObject(HANDLE handle) { return Table().Find(handle); }
+std::shared_ptr<KernelObject> FindObject(HANDLE handle) { return TheHandles().Find(handle); }
 
-std::size_t LibraryHandles() { return Table().library_handles(); }
+std::size_t LibraryHandles() { return TheHandles().library_handles(); }
 
-bool RemoveHandle(HANDLE handle) { return Table().Remove(handle) != nullptr; }
+bool RemoveHandle(HANDLE handle) { return TheHandles().Remove(handle) != nullptr; }
 
 // A handle's value is not given out again soon: what is found here is what is removed, or nothing is.
 BOOL CloseHandle(HANDLE handle) {

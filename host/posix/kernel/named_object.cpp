@@ -34,7 +34,7 @@ ObjectSlot* MakeSlot(ObjectNamespace& space, std::u16string_view name, ObjectKin
 
 std::unique_ptr<NamedObject> NamedObject::Open(LPCWSTR text, ObjectKind kind, const Fill& fill) {
   const std::u16string_view name(text);
-  if (name.size() > kLongestName) return Fail(kNameTooLong, nullptr);
+  if (name.size() > kLongestObjectName) return Fail(kNameTooLong, nullptr);
   const auto space = CurrentSpace();
   if (space == nullptr) return Fail(ERROR_GEN_FAILURE, nullptr);
   KernelLock lock;

@@ -13,8 +13,8 @@ namespace host {
 
 constexpr std::size_t kMostNamedObjects = 64;
 constexpr std::size_t kMostProcesses = 64;
-constexpr std::size_t kLongestName = 64;     // units
-constexpr std::size_t kLargestBlock = 4096;  // bytes
+constexpr std::size_t kLongestObjectName = 64;  // units
+constexpr std::size_t kLargestBlock = 4096;     // bytes
 
 enum class ObjectKind : std::uint32_t { kNone, kEvent, kMutex, kBlock };
 
@@ -36,7 +36,7 @@ struct ObjectSlot {
   std::uint32_t block_size;
   std::uint64_t holders;  // bit n: the process of entry n; 0: the slot is free
   std::uint32_t name_length;
-  char16_t name[kLongestName];
+  char16_t name[kLongestObjectName];
   EventState event;
   MutexState mutex;
   alignas(64) std::uint8_t block[kLargestBlock];

@@ -18,12 +18,12 @@ namespace host {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr Clock::time_point kNever = Clock::time_point::max();
+constexpr Clock::time_point kNoEnd = Clock::time_point::max();
 // An allowance of everything there is, which may be nothing.
 constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 
 int Poll(pollfd* descriptors, nfds_t count, Clock::time_point until) {
-  if (until == kNever) return poll(descriptors, count, -1);
+  if (until == kNoEnd) return poll(descriptors, count, -1);
   const auto left = std::max(std::chrono::nanoseconds(0), std::chrono::nanoseconds(until - Clock::now()));
   const timespec time{static_cast<time_t>(left.count() / 1000000000), static_cast<long>(left.count() % 1000000000)};
   return ppoll(descriptors, count, &time, nullptr);
@@ -96,7 +96,7 @@ BOOL SerialPort::WaitEvent(DWORD* mask) {
   const auto events = static_cast<DWORD>(start);
   if (!waiter.first() || events == 0) return Fail(ERROR_INVALID_PARAMETER, FALSE);
   for (;;) {
-    const Allowance may_read = (events & EV_RXCHAR) != 0 ? MayRead(1) : Allowance{0, 0, kNever};
+    const Allowance may_read = (events & EV_RXCHAR) != 0 ? MayRead(1) : Allowance{0, 0, kNoEnd};
     const bool all = may_read.bytes == kAll;
     const bool paced_ready = !all && may_read.bytes != 0;
     const Waited waited = paced_ready ? Waited::kReady : WaitForTty(wake_, may_read.events, may_read.look_again);
@@ -134,23 +134,23 @@ long SerialPort::InputWaiting() const {
 }
 
 SerialPort::Allowance SerialPort::MayRead(std::size_t wanted) {
-  if (!line_->Receives(this)) return {0, 0, kNever};
+  if (!line_->Receives(this)) return {0, 0, kNoEnd};
   const std::uint32_t baud = PortPace();
-  if (baud == 0) return {kAll, POLLIN, kNever};
+  if (baud == 0) return {kAll, POLLIN, kNoEnd};
   const long waiting = std::max(0L, InputWaiting());
   const std::lock_guard<std::mutex> lock(line_->in.mutex);
   const std::size_t ready = line_->in.pacer.Ready(static_cast<std::size_t>(waiting), baud, Clock::now());
-  if (ready > 0) return {std::min(ready, wanted), POLLIN, kNever};
-  if (waiting == 0) return {0, POLLIN, kNever};
+  if (ready > 0) return {std::min(ready, wanted), POLLIN, kNoEnd};
+  if (waiting == 0) return {0, POLLIN, kNoEnd};
   return {0, 0, line_->in.pacer.NextReady(static_cast<std::size_t>(waiting), baud)};
 }
 
 SerialPort::Allowance SerialPort::MayWrite(std::size_t wanted) {
   const std::uint32_t baud = PortPace();
-  if (baud == 0) return {wanted, POLLOUT, kNever};
+  if (baud == 0) return {wanted, POLLOUT, kNoEnd};
   const std::lock_guard<std::mutex> lock(line_->out.mutex);
   const std::size_t ready = line_->out.pacer.Ready(wanted, baud, Clock::now());
-  if (ready > 0) return {ready, POLLOUT, kNever};
+  if (ready > 0) return {ready, POLLOUT, kNoEnd};
   return {0, 0, line_->out.pacer.NextReady(wanted, baud)};
 }
 
@@ -223,7 +223,7 @@ BOOL SerialPort::Write(const void* buffer, DWORD bytes, DWORD* written) {
 
 SerialPort::Clock::time_point SerialPort::DeadlineOf(const Timeout& timeout, DWORD bytes) {
   const std::uint64_t total = timeout.constant + std::uint64_t{timeout.multiplier} * bytes;
-  return total == 0 ? kNever : Clock::now() + std::chrono::milliseconds(total);
+  return total == 0 ? kNoEnd : Clock::now() + std::chrono::milliseconds(total);
 }
 
 BOOL SerialPort::SetTimeouts(const COMMTIMEOUTS& timeouts) {

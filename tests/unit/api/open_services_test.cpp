@@ -231,7 +231,7 @@ TEST(QCMOpenComm, MakesTheMutexOfTheWindowList) {
   const QCM_HANDLE handle = QCMOpenComm(u"COM5:");
   const auto mutexes = host::NamedMutexes();
   EXPECT_EQ(std::count_if(mutexes.begin(), mutexes.end(),
-                          [](const auto& mutex) { return mutex.name == std::string(kWindowList) + "Mtx"; }),
+                          [](const auto& named) { return named.name == std::string(kWindowList) + "Mtx"; }),
             1);
   QCMCloseComm(handle);
 }

@@ -18,7 +18,7 @@ void ResetDevices() {
   radio.SetPortUpAfterMs(0);
 }
 
-std::string Text(const host::CallValue& value) {
+std::string ValueText(const host::CallValue& value) {
   if (std::holds_alternative<std::nullptr_t>(value)) return "null";
   if (const auto* number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
   return '"' + std::get<std::string>(value) + '"';
@@ -26,7 +26,7 @@ std::string Text(const host::CallValue& value) {
 
 std::string Name(const host::CallValue& call) {
   const auto* name = std::get_if<std::string>(&call);
-  return name != nullptr ? *name : Text(call);
+  return name != nullptr ? *name : ValueText(call);
 }
 
 }  // namespace
@@ -60,9 +60,9 @@ std::vector<std::string> Devices::Listed() const {
   for (const host::CallRecord& record : host::CallsSince(start_, nullptr)) {
     const std::string name = Name(record.call);
     std::string line = record.library + " " + name + "(";
-    for (const host::CallValue& value : record.args) line += (line.back() == '(' ? "" : ", ") + Text(value);
+    for (const host::CallValue& value : record.args) line += (line.back() == '(' ? "" : ", ") + ValueText(value);
     const bool handle = name == "open" && record.result != host::CallValue(std::int64_t{-1});
-    lines.push_back(line + ") = " + (handle ? "handle" : Text(record.result)));
+    lines.push_back(line + ") = " + (handle ? "handle" : ValueText(record.result)));
   }
   return lines;
 }

@@ -19,16 +19,16 @@
 namespace {
 
 using qxcm::SerialChannel;
+using qxtest::ChannelPort;
 using qxtest::Failing;
 using qxtest::kForGood;
 using qxtest::WaitUntil;
-using Port = qxtest::ChannelPort;
 using Calls = std::vector<std::string>;
 
 // ---- Sending
 
 TEST(SerialChannel, SendsWhatIsWritten) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   port.channel.Write("one");
   EXPECT_EQ(port.world.controller().Receive(3), "one");
@@ -37,7 +37,7 @@ TEST(SerialChannel, SendsWhatIsWritten) {
 }
 
 TEST(SerialChannel, DropsWhatIsWrittenWhileItIsClosed) {
-  Port port;
+  ChannelPort port;
   port.channel.Write("before");
   ASSERT_TRUE(port.Open());
   port.channel.Write("x");
@@ -50,7 +50,7 @@ TEST(SerialChannel, DropsWhatIsWrittenWhileItIsClosed) {
 }
 
 TEST(SerialChannel, KeepsTheOrderOfManyWrites) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   std::string expected;
   std::thread writer([&] {
@@ -62,7 +62,7 @@ TEST(SerialChannel, KeepsTheOrderOfManyWrites) {
 }
 
 TEST(SerialChannel, KeepsTheWritesOfSeveralThreadsWhole) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   const auto write = [&](char letter) {
     for (int i = 0; i < 500; ++i) port.channel.Write(std::string(20, letter));
@@ -79,7 +79,7 @@ TEST(SerialChannel, KeepsTheWritesOfSeveralThreadsWhole) {
 }
 
 TEST(SerialChannel, DropsWholeWritesWhenTheControllerLeavesTooMuchUnread) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   const std::string piece = std::string(999, 'x') + "|";
   for (int i = 0; i < 1000; ++i) port.channel.Write(piece);
@@ -91,7 +91,7 @@ TEST(SerialChannel, DropsWholeWritesWhenTheControllerLeavesTooMuchUnread) {
 }
 
 TEST(SerialChannel, HasRoomWhenTheControllerReads) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   const qxcm::Event give_up;
   port.channel.WaitForRoom(give_up);
@@ -102,7 +102,7 @@ TEST(SerialChannel, HasRoomWhenTheControllerReads) {
 }
 
 TEST(SerialChannel, StopsWaitingForRoomWhenToldToGiveUp) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   qxcm::Event give_up;
   port.channel.Write(std::string(SerialChannel::kTransmitLimit, 'x'));
@@ -113,7 +113,7 @@ TEST(SerialChannel, StopsWaitingForRoomWhenToldToGiveUp) {
 }
 
 TEST(SerialChannel, StopsWaitingForRoomWhenItIsClosed) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   const qxcm::Event give_up;
   port.BlockWriter();
@@ -127,7 +127,7 @@ TEST(SerialChannel, StopsWaitingForRoomWhenItIsClosed) {
 // ---- Purging
 
 TEST(SerialChannel, PurgesBothWaysOfTheDriverAndItsOwnReceivedBytes) {
-  Port port;
+  ChannelPort port;
   port.receiver.LeaveBytes();
   ASSERT_TRUE(port.Open());
   port.world.controller().Send("old");
@@ -140,7 +140,7 @@ TEST(SerialChannel, PurgesBothWaysOfTheDriverAndItsOwnReceivedBytes) {
 }
 
 TEST(SerialChannel, PurgesWhatTheDriverHasStillToSend) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   port.channel.PurgeTransmit();
   EXPECT_EQ(port.world.Calls({"PurgeComm"}), Calls{"PurgeComm(4)"});

@@ -20,10 +20,10 @@
 namespace {
 
 using qxcm::SerialChannel;
+using qxtest::ChannelPort;
 using qxtest::Failing;
 using qxtest::kForGood;
 using qxtest::WaitUntil;
-using Port = qxtest::ChannelPort;
 using Calls = std::vector<std::string>;
 
 template <class Structure>
@@ -40,7 +40,7 @@ Structure FromHex(const std::string& hex) {
 
 /// The structure that a call set, from the call log.
 template <class Structure>
-Structure LastSet(const Port& port, const std::string& call) {
+Structure LastSet(const ChannelPort& port, const std::string& call) {
   for (const host::CallRecord& record : port.world.Records()) {
     if (std::get<std::string>(record.call) == call) return FromHex<Structure>(std::get<std::string>(record.args.at(1)));
   }
@@ -51,7 +51,7 @@ Structure LastSet(const Port& port, const std::string& call) {
 // ---- Opening
 
 TEST(SerialChannel, SetsThePortUpInThisOrder) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   port.channel.Close();
   Calls calls = port.world.Calls();
@@ -61,14 +61,14 @@ TEST(SerialChannel, SetsThePortUpInThisOrder) {
 }
 
 TEST(SerialChannel, OpensThePortForReadingAndWritingWithoutSharing) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   EXPECT_EQ(port.world.Calls({"CreateFileW"}), Calls{"CreateFileW(COM5:, 3221225472, 0, null, 3, 0, null)"});
   EXPECT_EQ(port.world.Calls({"SetupComm"}), Calls{"SetupComm(1024, 1024)"});
 }
 
 TEST(SerialChannel, SetsSpeedAndCharacterFormat) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   const auto state = LastSet<DCB>(port, "SetCommState");
   EXPECT_EQ(state.DCBlength, sizeof(DCB));
@@ -81,7 +81,7 @@ TEST(SerialChannel, SetsSpeedAndCharacterFormat) {
 }
 
 TEST(SerialChannel, SetsThreeOfTheFlagsAndClearsTheOthers) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   const auto state = LastSet<DCB>(port, "SetCommState");
   std::uint32_t flags = 0;
@@ -90,7 +90,7 @@ TEST(SerialChannel, SetsThreeOfTheFlagsAndClearsTheOthers) {
 }
 
 TEST(SerialChannel, SetsBothTotalTimeoutsToFiveSeconds) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   const auto timeouts = LastSet<COMMTIMEOUTS>(port, "SetCommTimeouts");
   EXPECT_EQ(timeouts.ReadIntervalTimeout, 0u);
@@ -101,27 +101,27 @@ TEST(SerialChannel, SetsBothTotalTimeoutsToFiveSeconds) {
 }
 
 TEST(SerialChannel, WaitsForReceivedCharactersAndErrors) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   EXPECT_TRUE(WaitUntil([&] { return port.world.Calls({"SetCommMask"}) == Calls{"SetCommMask(129)"}; }));
 }
 
 TEST(SerialChannel, OpensThePortItIsTold) {
-  Port port;
+  ChannelPort port;
   host::AttachPty("COMBT:");
   ASSERT_TRUE(port.channel.Open(u"COMBT:"));
   EXPECT_EQ(port.world.Calls({"CreateFileW"}), Calls{"CreateFileW(COMBT:, 3221225472, 0, null, 3, 0, null)"});
 }
 
 TEST(SerialChannel, IsNotOpenedTwice) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   EXPECT_TRUE(port.Open());
   EXPECT_EQ(port.world.Calls({"CreateFileW", "SetCommState"}).size(), 2u);
 }
 
 TEST(SerialChannel, RunsTwoThreadsWhileOpen) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   EXPECT_EQ(host::LibraryThreads(), 2u);
   port.channel.Close();
@@ -130,7 +130,7 @@ TEST(SerialChannel, RunsTwoThreadsWhileOpen) {
 
 /// Opening fails without a trace, and succeeds once the call does.
 void ExpectOpenFailsWith(const std::string& call, std::uint64_t nth = 1) {
-  Port port;
+  ChannelPort port;
   const std::size_t handles = host::LibraryHandles();
   {
     const Failing fault(call, ERROR_GEN_FAILURE, nth);
@@ -149,13 +149,13 @@ TEST(SerialChannel, DoesNotOpenWithoutAReaderThread) { ExpectOpenFailsWith("Crea
 TEST(SerialChannel, DoesNotOpenWithoutAWriterThread) { ExpectOpenFailsWith("CreateThread", 2); }
 
 TEST(SerialChannel, OpensThoughTheDriverKeepsItsOwnBuffers) {
-  Port port;
+  ChannelPort port;
   const Failing fault("SetupComm");
   EXPECT_TRUE(port.Open());
 }
 
 TEST(SerialChannel, DoesNotOpenAPortThatIsInUse) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   SerialChannel other;
   EXPECT_FALSE(other.Open(u"COM5:"));
@@ -163,7 +163,7 @@ TEST(SerialChannel, DoesNotOpenAPortThatIsInUse) {
 }
 
 TEST(SerialChannel, DoesNotOpenAPortThatIsNotThere) {
-  Port port;
+  ChannelPort port;
   EXPECT_FALSE(port.channel.Open(u"COM9:"));
   EXPECT_EQ(host::LibraryThreads(), 0u);
 }
@@ -171,7 +171,7 @@ TEST(SerialChannel, DoesNotOpenAPortThatIsNotThere) {
 // ---- Closing
 
 TEST(SerialChannel, AsksNothingOfThePlatformWhenClosedTwice) {
-  Port port;
+  ChannelPort port;
   port.channel.Close();
   ASSERT_TRUE(port.Open());
   port.channel.Close();
@@ -181,7 +181,7 @@ TEST(SerialChannel, AsksNothingOfThePlatformWhenClosedTwice) {
 }
 
 TEST(SerialChannel, EndsThePendingWaitByClearingTheMask) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   ASSERT_TRUE(WaitUntil([&] { return port.world.Calls({"SetCommMask"}).size() == 1; }));
   port.channel.Close();
@@ -189,7 +189,7 @@ TEST(SerialChannel, EndsThePendingWaitByClearingTheMask) {
 }
 
 TEST(SerialChannel, ClosesWhenItGoes) {
-  Port port;
+  ChannelPort port;
   const std::size_t handles = host::LibraryHandles();
   {
     SerialChannel channel;
@@ -200,7 +200,7 @@ TEST(SerialChannel, ClosesWhenItGoes) {
 }
 
 TEST(SerialChannel, OpensAgainAfterClosing) {
-  Port port;
+  ChannelPort port;
   for (int i = 0; i < 20; ++i) {
     ASSERT_TRUE(port.Open());
     port.world.controller().Send("x");
@@ -212,7 +212,7 @@ TEST(SerialChannel, OpensAgainAfterClosing) {
 }
 
 TEST(SerialChannel, ClosesInTimeWhenTheControllerNeverReads) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   port.BlockWriter();
   const auto start = std::chrono::steady_clock::now();
@@ -223,7 +223,7 @@ TEST(SerialChannel, ClosesInTimeWhenTheControllerNeverReads) {
 // ---- Receiving
 
 TEST(SerialChannel, HandsOverWhatTheControllerSends) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   port.world.controller().Send("first");
   EXPECT_TRUE(port.receiver.Gets("first"));
@@ -232,14 +232,14 @@ TEST(SerialChannel, HandsOverWhatTheControllerSends) {
 }
 
 TEST(SerialChannel, HandsOverWhatWasSentBeforeThePortWasOpened) {
-  Port port;
+  ChannelPort port;
   port.world.controller().Send("early");
   ASSERT_TRUE(port.Open());
   EXPECT_TRUE(port.receiver.Gets("early"));
 }
 
 TEST(SerialChannel, LosesNothingOfALongStream) {
-  Port port;
+  ChannelPort port;
   ASSERT_TRUE(port.Open());
   std::string sent;
   for (int i = 0; i < 30000; ++i) sent += std::to_string(i) + ",";
@@ -248,7 +248,7 @@ TEST(SerialChannel, LosesNothingOfALongStream) {
 }
 
 TEST(SerialChannel, DropsWhatComesWhile32768BytesWait) {
-  Port port;
+  ChannelPort port;
   port.receiver.LeaveBytes();
   ASSERT_TRUE(port.Open());
   port.world.controller().Send(std::string(32768, 'a') + std::string(60000, 'b'));
@@ -261,7 +261,7 @@ TEST(SerialChannel, DropsWhatComesWhile32768BytesWait) {
 }
 
 TEST(SerialChannel, ReceivesAgainAfterAnOverflow) {
-  Port port;
+  ChannelPort port;
   port.receiver.LeaveBytes();
   ASSERT_TRUE(port.Open());
   port.world.controller().Send(std::string(100000, 'a'));
@@ -278,7 +278,7 @@ TEST(SerialChannel, ReceivesAgainAfterAnOverflow) {
 }
 
 TEST(SerialChannel, ForgetsReceivedBytesWhenItIsClosed) {
-  Port port;
+  ChannelPort port;
   port.receiver.LeaveBytes();
   ASSERT_TRUE(port.Open());
   port.world.controller().Send("old");

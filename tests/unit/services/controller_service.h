@@ -59,6 +59,8 @@ class ControllerService : public InstrumentWorld, public MeasuringService {
 
 /// "FIL,STS=" and the status.
 inline std::string Status(const std::string& status) { return "FIL,STS=" + status; }
+inline const std::string kDone = Status("SCS");
+inline const std::string kFailed = Status("ER_FAL");
 
 }  // namespace qxtest
 

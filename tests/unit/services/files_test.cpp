@@ -10,9 +10,7 @@
 namespace qxtest {
 namespace {
 
-const std::string kDone = Status("SCS");
 const std::string kMissing = Status("ER_FNE");
-const std::string kFailed = Status("ER_FAL");
 const std::string kExists = Status("ER_FAE");
 
 // ---- Every one of them

@@ -11,9 +11,7 @@
 namespace qxtest {
 namespace {
 
-const std::string kDone = Status("SCS");
 const std::string kNoHandle = Status("ER_FNH");
-const std::string kFailed = Status("ER_FAL");
 
 class TenFiles : public testing::Test {
  protected:

@@ -11,7 +11,6 @@ namespace {
 
 using namespace std::string_literals;
 
-const std::string kDone = Status("SCS");
 const std::string kEnd = Status("EOF");
 
 /// A file of these bytes, open under number 1.
