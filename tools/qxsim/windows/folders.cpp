@@ -23,14 +23,14 @@ constexpr int kTries = 100;
 
 std::error_code ErrorCode(DWORD error) { return {static_cast<int>(error), std::system_category()}; }
 
-/// A folder named in the environment; empty when the variable is not there or holds no whole path.
+/// A folder named in the environment; empty when the variable is not there or names none from the top of a drive.
 fs::path FolderIn(const wchar_t* variable) {
   const wchar_t* value = ::_wgetenv(variable);
   const fs::path folder = value == nullptr ? L"" : value;
-  return folder.is_absolute() ? folder : fs::path();
+  return folder.has_root_directory() ? fs::absolute(folder) : fs::path();
 }
 
-// TMPDIR is how a program is told its temporary folder across the border to Posix.
+// TMPDIR is how Posix names the folder to whatever it starts.
 fs::path TemporaryFolder() {
   const fs::path folder = FolderIn(L"TMPDIR");
   return folder.empty() ? fs::temp_directory_path() : folder;
@@ -66,7 +66,7 @@ fs::path MakeTemporaryFolder() {
 }
 
 fs::path UserDataFolder() {
-  for (const wchar_t* variable : {L"XDG_DATA_HOME", L"LOCALAPPDATA", L"APPDATA"}) {
+  for (const wchar_t* variable : {L"LOCALAPPDATA", L"APPDATA"}) {
     if (fs::path folder = FolderIn(variable); !folder.empty()) return folder;
   }
   throw StartError("home: neither LOCALAPPDATA nor APPDATA is set; say --home");
