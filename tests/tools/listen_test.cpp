@@ -1,6 +1,7 @@
 // The example application examples/listen.c as a controller at its line sees it.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <memory>
 #include <string>
@@ -54,8 +55,10 @@ TEST_F(Listen, HasPrintedADistanceRequestWhenTheControllerGetsItsAnswer) {
 }
 
 TEST_F(Listen, EndsWhenItsSecondsAreOver) {
+  const auto begin = std::chrono::steady_clock::now();
   EXPECT_NE(Start({"--for", "1"}), "");
   EXPECT_EQ(NextLine(), "closed");
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, seconds(1));
   EXPECT_EQ(process_->Wait(kPatience), 0);
 }
 
