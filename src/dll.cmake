@@ -4,8 +4,8 @@
 #   qxcommmgr         bin/QXCommMgr.dll: for the simulated instrument, beside the programs that load it
 set(QX_DEVICE_BATTERY_QUERY_ORDINAL 0 CACHE STRING "ordinal of the instrument's battery query in QxSystem.dll; 0 = none")
 set(QX_DEVICE_BATTERY_EVENT_MASK 0 CACHE STRING "event mask of a battery change on the instrument; 0 = none")
-set(QX_IMPORT_LIBRARIES "" CACHE STRING
-  "import libraries of COREDLL, QxSystem, BTHUTIL, ParamBlk and OPVLIB; empty = those made for the simulated instrument")
+# Targets of host/windows, which have the ordinals and names of the instrument's; or the instrument's own, as paths.
+set(QX_IMPORT_LIBRARIES coredll qxsystem bthutil paramblk opvlib CACHE STRING "import libraries of the platform")
 
 # Small, and the same bytes wherever it is built.
 set(compile_options -Os -ffunction-sections -fdata-sections -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)

@@ -137,8 +137,8 @@ def check(root, dll, objects, prefix="x86_64-w64-mingw32-"):
 if __name__ == "__main__":
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--root", type=Path, default=Path(__file__).resolve().parents[2])
-    parser.add_argument("--objects", type=Path, required=True, help="the archive of the library's own objects")
     parser.add_argument("dll", type=Path)
+    parser.add_argument("objects", type=Path, nargs="+", help="the library's own objects and archives in it")
     options = parser.parse_args()
     found, last_line = check(options.root, options.dll, options.objects)
     print("\n".join(found + [last_line]))
