@@ -1,7 +1,7 @@
 #include "common/files/file_facts.h"
 
+#include "common/files/file_space.h"
 #include "posix/disk/attributes.h"
-#include "posix/disk/file_root.h"
 #include "posix/disk/places.h"
 
 namespace host {

@@ -1,8 +1,8 @@
 // CreateFileW on files, and SetFilePointer.
 #include "common/calls/errors.h"
+#include "common/files/file_space.h"
 #include "common/files/files.h"
-#include "posix/disk/file_root.h"
-#include "posix/disk/paths.h"
+#include "common/files/paths.h"
 #include "posix/files/open_file.h"
 
 namespace host {
