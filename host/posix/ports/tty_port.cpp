@@ -1,4 +1,4 @@
-#include "posix/ports/serial_port.h"
+#include "posix/ports/tty_port.h"
 
 #include <errno.h>
 #include <poll.h>
@@ -11,7 +11,7 @@
 #include <optional>
 
 #include "common/calls/errors.h"
-#include "posix/ports/port_options.h"
+#include "common/ports/port_options.h"
 #include "posix/ports/serial_settings.h"
 
 namespace host {
@@ -52,23 +52,24 @@ class OnlyOne {
 
 }  // namespace
 
-std::shared_ptr<SerialPort> SerialPort::Open(std::shared_ptr<Line> line) {
-  std::shared_ptr<SerialPort> port(new SerialPort(std::move(line)));
+std::shared_ptr<TtyPort> TtyPort::Open(std::shared_ptr<TtyLine> line) {
+  std::shared_ptr<TtyPort> port(new TtyPort(std::move(line)));
   DWORD error = ERROR_TOO_MANY_OPEN_FILES;
-  if (port->wake_.get() >= 0 && port->closed_wake_.get() >= 0) error = port->line_->Join(port.get(), &port->tty_);
-  if (error == NO_ERROR) return port;
-  return Fail(error, std::shared_ptr<SerialPort>());
+  if (port->wake_.get() >= 0 && port->closed_wake_.get() >= 0) error = port->line_->Join(port.get());
+  if (error != NO_ERROR) return Fail(error, std::shared_ptr<TtyPort>());
+  port->tty_ = port->line_->tty();
+  return port;
 }
 
-SerialPort::SerialPort(std::shared_ptr<Line> line)
+TtyPort::TtyPort(std::shared_ptr<TtyLine> line)
     : line_(std::move(line)),
       wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       closed_wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       state_(DefaultSerialState()) {}
 
-SerialPort::~SerialPort() { line_->Leave(this); }
+TtyPort::~TtyPort() { line_->Leave(this); }
 
-void SerialPort::Closed() {
+void TtyPort::Closed() {
   closed_ = true;
   eventfd_write(closed_wake_.get(), 1);
   Wake();
@@ -76,11 +77,11 @@ void SerialPort::Closed() {
   line_->Leave(this);
 }
 
-void SerialPort::Wake() { eventfd_write(wake_.get(), 1); }
+void TtyPort::Wake() { eventfd_write(wake_.get(), 1); }
 
 // ---- Events
 
-BOOL SerialPort::SetMask(DWORD mask) {
+BOOL TtyPort::SetMask(DWORD mask) {
   if ((mask & ~(EV_RXCHAR | EV_ERR)) != 0) return Fail(ERROR_INVALID_PARAMETER, FALSE);
   std::uint64_t old = mask_changes_.load();
   while (!mask_changes_.compare_exchange_weak(old, ((old >> 32) + 1) << 32 | mask)) {
@@ -89,7 +90,7 @@ BOOL SerialPort::SetMask(DWORD mask) {
   return TRUE;
 }
 
-BOOL SerialPort::WaitEvent(DWORD* mask) {
+BOOL TtyPort::WaitEvent(DWORD* mask) {
   *mask = 0;
   const OnlyOne waiter(&waiting_);
   const std::uint64_t start = mask_changes_.load();
@@ -111,7 +112,7 @@ BOOL SerialPort::WaitEvent(DWORD* mask) {
 }
 
 // Waits for the events on the tty (0: not looked at), for the event descriptor, or for the time.
-SerialPort::Waited SerialPort::WaitForTty(const FileDescriptor& wake, short events, Clock::time_point until) {
+TtyPort::Waited TtyPort::WaitForTty(const FileDescriptor& wake, short events, Clock::time_point until) {
   pollfd descriptors[2] = {{wake.get(), POLLIN, 0}, {tty_->get(), events, 0}};
   const int count = Poll(descriptors, events != 0 ? 2 : 1, until);
   if (count == 0) return Waited::kTimedOut;
@@ -128,58 +129,50 @@ SerialPort::Waited SerialPort::WaitForTty(const FileDescriptor& wake, short even
 // ---- Bytes
 
 // Bytes received and not yet read; -1 when the line has hung up.
-long SerialPort::InputWaiting() const {
+long TtyPort::InputWaiting() const {
   int waiting = 0;
   return ioctl(tty_->get(), FIONREAD, &waiting) == 0 ? waiting : -1;
 }
 
-SerialPort::Allowance SerialPort::MayRead(std::size_t wanted) {
+TtyPort::Allowance TtyPort::MayRead(std::size_t wanted) {
   if (!line_->Receives(this)) return {0, 0, kNever};
   const std::uint32_t baud = PortPace();
   if (baud == 0) return {kAll, POLLIN, kNever};
   const long waiting = std::max(0L, InputWaiting());
-  const std::lock_guard<std::mutex> lock(line_->in.mutex);
-  const std::size_t ready = line_->in.pacer.Ready(static_cast<std::size_t>(waiting), baud, Clock::now());
-  if (ready > 0) return {std::min(ready, wanted), POLLIN, kNever};
+  const PacedWay::Allowance paced = line_->in.Ready(static_cast<std::size_t>(waiting), baud);
+  if (paced.bytes > 0) return {std::min(paced.bytes, wanted), POLLIN, kNever};
   if (waiting == 0) return {0, POLLIN, kNever};
-  return {0, 0, line_->in.pacer.NextReady(static_cast<std::size_t>(waiting), baud)};
+  return {0, 0, paced.look_again};
 }
 
-SerialPort::Allowance SerialPort::MayWrite(std::size_t wanted) {
+TtyPort::Allowance TtyPort::MayWrite(std::size_t wanted) {
   const std::uint32_t baud = PortPace();
   if (baud == 0) return {wanted, POLLOUT, kNever};
-  const std::lock_guard<std::mutex> lock(line_->out.mutex);
-  const std::size_t ready = line_->out.pacer.Ready(wanted, baud, Clock::now());
-  if (ready > 0) return {ready, POLLOUT, kNever};
-  return {0, 0, line_->out.pacer.NextReady(wanted, baud)};
+  const PacedWay::Allowance paced = line_->out.Ready(wanted, baud);
+  if (paced.bytes > 0) return {paced.bytes, POLLOUT, kNever};
+  return {0, 0, paced.look_again};
 }
 
 // Reads what is there; 0 when there is nothing, -1 when the line has hung up.
-long SerialPort::ReadSome(char* buffer, std::size_t size) {
+long TtyPort::ReadSome(char* buffer, std::size_t size) {
   const long count = TryLater(::read(tty_->get(), buffer, size));
   if (count <= 0) return count;
-  if (const std::uint32_t baud = PortPace()) {
-    const std::lock_guard<std::mutex> lock(line_->in.mutex);
-    line_->in.pacer.Take(static_cast<std::size_t>(count), baud);
-  }
+  line_->in.Passed(static_cast<std::size_t>(count));
   ShowPortBytes(line_->port(), true, {buffer, static_cast<std::size_t>(count)});
   return count;
 }
 
-long SerialPort::WriteSome(const char* bytes, std::size_t size) {
+long TtyPort::WriteSome(const char* bytes, std::size_t size) {
   const long count = TryLater(::write(tty_->get(), bytes, size));
   if (count <= 0) return count;
-  if (const std::uint32_t baud = PortPace()) {
-    const std::lock_guard<std::mutex> lock(line_->out.mutex);
-    line_->out.pacer.Take(static_cast<std::size_t>(count), baud);
-  }
+  line_->out.Passed(static_cast<std::size_t>(count));
   ShowPortBytes(line_->port(), false, {bytes, static_cast<std::size_t>(count)});
   return count;
 }
 
 // Moves bytes until all have passed, the total time-out is over or the line has hung up.
 template <class MayMove, class MoveSome>
-BOOL SerialPort::Transfer(DWORD bytes, DWORD* done, const Timeout& timeout, MayMove may_move, MoveSome move_some) {
+BOOL TtyPort::Transfer(DWORD bytes, DWORD* done, const Timeout& timeout, MayMove may_move, MoveSome move_some) {
   std::optional<Clock::time_point> deadline;
   while (*done < bytes) {
     const std::size_t left = bytes - *done;
@@ -196,7 +189,7 @@ BOOL SerialPort::Transfer(DWORD bytes, DWORD* done, const Timeout& timeout, MayM
   return TRUE;
 }
 
-BOOL SerialPort::Read(void* buffer, DWORD bytes, DWORD* read) {
+BOOL TtyPort::Read(void* buffer, DWORD bytes, DWORD* read) {
   const auto may_read = [this](std::size_t wanted) { return MayRead(wanted); };
   const auto read_some = [&](DWORD done, std::size_t size) {
     return ReadSome(static_cast<char*>(buffer) + done, size);
@@ -204,29 +197,26 @@ BOOL SerialPort::Read(void* buffer, DWORD bytes, DWORD* read) {
   return Transfer(bytes, read, read_timeout_, may_read, read_some);
 }
 
-BOOL SerialPort::Write(const void* buffer, DWORD bytes, DWORD* written) {
+BOOL TtyPort::Write(const void* buffer, DWORD bytes, DWORD* written) {
   if (!line_->BeginWriting(closed_)) return Fail(ERROR_OPERATION_ABORTED, FALSE);
   const auto may_write = [this](std::size_t wanted) { return MayWrite(wanted); };
   const auto write_some = [&](DWORD done, std::size_t size) {
     return WriteSome(static_cast<const char*>(buffer) + done, size);
   };
   const BOOL result = Transfer(bytes, written, write_timeout_, may_write, write_some);
-  if (const std::uint32_t baud = PortPace()) {
-    const std::lock_guard<std::mutex> lock(line_->out.mutex);
-    line_->out.pacer.Ready(0, baud, Clock::now());
-  }
+  line_->out.Rest();
   line_->EndWriting();
   return result;
 }
 
 // ---- Settings
 
-SerialPort::Clock::time_point SerialPort::DeadlineOf(const Timeout& timeout, DWORD bytes) {
+TtyPort::Clock::time_point TtyPort::DeadlineOf(const Timeout& timeout, DWORD bytes) {
   const std::uint64_t total = timeout.constant + std::uint64_t{timeout.multiplier} * bytes;
   return total == 0 ? kNever : Clock::now() + std::chrono::milliseconds(total);
 }
 
-BOOL SerialPort::SetTimeouts(const COMMTIMEOUTS& timeouts) {
+BOOL TtyPort::SetTimeouts(const COMMTIMEOUTS& timeouts) {
   if (timeouts.ReadIntervalTimeout != 0) return Fail(ERROR_INVALID_PARAMETER, FALSE);
   read_timeout_.constant = timeouts.ReadTotalTimeoutConstant;
   read_timeout_.multiplier = timeouts.ReadTotalTimeoutMultiplier;
@@ -235,13 +225,13 @@ BOOL SerialPort::SetTimeouts(const COMMTIMEOUTS& timeouts) {
   return TRUE;
 }
 
-BOOL SerialPort::GetState(DCB* state) {
+BOOL TtyPort::GetState(DCB* state) {
   const std::lock_guard<std::mutex> lock(state_mutex_);
   *state = state_;
   return TRUE;
 }
 
-BOOL SerialPort::SetState(const DCB& state) {
+BOOL TtyPort::SetState(const DCB& state) {
   if (!SerialStateSupported(state)) return Fail(ERROR_INVALID_PARAMETER, FALSE);
   const std::lock_guard<std::mutex> lock(state_mutex_);
   if (const DWORD error = line_->Configure(state)) return Fail(error, FALSE);
@@ -250,7 +240,7 @@ BOOL SerialPort::SetState(const DCB& state) {
 }
 
 // A tty reports no line-status errors, and what has been written is out of this port's hands.
-BOOL SerialPort::ClearError(DWORD* errors, COMSTAT* status) {
+BOOL TtyPort::ClearError(DWORD* errors, COMSTAT* status) {
   if (errors != nullptr) *errors = 0;
   if (status == nullptr) return TRUE;
   *status = {};
@@ -265,7 +255,7 @@ BOOL SerialPort::ClearError(DWORD* errors, COMSTAT* status) {
   return TRUE;
 }
 
-BOOL SerialPort::Purge(DWORD flags) {
+BOOL TtyPort::Purge(DWORD flags) {
   if ((flags & (PURGE_RXABORT | PURGE_TXABORT)) != 0) return Fail(ERROR_NOT_SUPPORTED, FALSE);
   if (flags == 0 || (flags & ~(PURGE_RXCLEAR | PURGE_TXCLEAR)) != 0) return Fail(ERROR_INVALID_PARAMETER, FALSE);
   const bool input = (flags & PURGE_RXCLEAR) != 0 && line_->Receives(this);

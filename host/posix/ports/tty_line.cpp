@@ -1,4 +1,4 @@
-#include "posix/ports/line.h"
+#include "posix/ports/tty_line.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -6,10 +6,8 @@
 #include <sys/file.h>
 #include <sys/ioctl.h>
 
-#include <algorithm>
 #include <system_error>
 
-#include "common/ports/ports.h"
 #include "posix/ports/serial_settings.h"
 
 namespace host {
@@ -29,7 +27,7 @@ void MakeRaw(int tty) {
 
 }  // namespace
 
-Line::Line(std::string port) : port_(std::move(port)) {
+TtyLine::TtyLine(std::string port) : Line(std::move(port)) {
   FileDescriptor master(Checked(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "posix_openpt"));
   Checked(grantpt(master.get()), "grantpt");
   Checked(unlockpt(master.get()), "unlockpt");
@@ -43,32 +41,16 @@ Line::Line(std::string port) : port_(std::move(port)) {
   tty_ = std::make_shared<const FileDescriptor>(std::move(master));
 }
 
-Line::Line(std::string port, std::string device) : port_(std::move(port)), device_(std::move(device)) {}
+TtyLine::TtyLine(std::string port, std::string device) : Line(std::move(port)), device_(std::move(device)) {}
 
-DWORD Line::Join(LineUser* user, SharedDescriptor* tty) {
+SharedDescriptor TtyLine::tty() {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (!users_.empty() && !PortsShared()) return ERROR_ACCESS_DENIED;
-  if (tty_ == nullptr) {
-    if (const DWORD error = OpenDevice()) return error;
-  }
-  users_.push_back(user);
-  receiver_ = users_.front();
-  *tty = tty_;
-  return NO_ERROR;
-}
-
-void Line::Leave(LineUser* user) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  const auto found = std::find(users_.begin(), users_.end(), user);
-  if (found == users_.end()) return;
-  users_.erase(found);
-  receiver_ = users_.empty() ? nullptr : users_.front();
-  if (!users_.empty()) users_.front()->Wake();
-  if (users_.empty() && !device_.empty()) CloseDevice();
+  return tty_;
 }
 
 // The lock on the file keeps other programs' instruments off the device even where TIOCEXCL does not (root).
-DWORD Line::OpenDevice() {
+DWORD TtyLine::Open() {
+  if (device_.empty()) return NO_ERROR;
   FileDescriptor tty(open(device_.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
   if (tty.get() < 0 || tcgetattr(tty.get(), &found_settings_) != 0 || flock(tty.get(), LOCK_EX | LOCK_NB) != 0 ||
       ioctl(tty.get(), TIOCEXCL) != 0) {
@@ -80,35 +62,17 @@ DWORD Line::OpenDevice() {
 }
 
 // A call still under way keeps the descriptor for a moment longer, but the device is free from here on.
-void Line::CloseDevice() {
+void TtyLine::Close() {
+  if (device_.empty()) return;
   tcsetattr(tty_->get(), TCSANOW, &found_settings_);
   ioctl(tty_->get(), TIOCNXCL);
   flock(tty_->get(), LOCK_UN);
   tty_ = nullptr;
 }
 
-DWORD Line::Configure(const DCB& state) {
+DWORD TtyLine::Configure(const DCB& state) {
   const std::lock_guard<std::mutex> lock(mutex_);
   return device_.empty() || tty_ == nullptr ? NO_ERROR : ApplySerialState(tty_->get(), state);
-}
-
-bool Line::BeginWriting(const std::atomic<bool>& closed) {
-  std::unique_lock<std::mutex> lock(writing_mutex_);
-  written_.wait(lock, [&] { return !writing_ || closed; });
-  if (closed) return false;
-  writing_ = true;
-  return true;
-}
-
-void Line::EndWriting() {
-  const std::lock_guard<std::mutex> lock(writing_mutex_);
-  writing_ = false;
-  written_.notify_all();
-}
-
-void Line::StopWaiting() {
-  const std::lock_guard<std::mutex> lock(writing_mutex_);
-  written_.notify_all();
 }
 
 }  // namespace host

@@ -1,6 +1,6 @@
-// One opening of a serial port: events, time-outs and bytes, on the tty line behind it.
-#ifndef QXHOST_POSIX_PORTS_SERIAL_PORT_H
-#define QXHOST_POSIX_PORTS_SERIAL_PORT_H
+// One opening of a serial port on a tty of this machine: events, time-outs and bytes.
+#ifndef QXHOST_POSIX_PORTS_TTY_PORT_H
+#define QXHOST_POSIX_PORTS_TTY_PORT_H
 
 #include <windows.h>
 
@@ -11,36 +11,29 @@
 #include <mutex>
 #include <string>
 
-#include "common/streams/streams.h"
-#include "posix/ports/line.h"
+#include "common/ports/serial_port.h"
+#include "posix/ports/tty_line.h"
 
 namespace host {
 
-/// The operations are the platform's calls of the same meaning; they return FALSE with the last error set.
-/// Every one may run beside every other, and a pending one ends when the handle is closed (error 995).
-class SerialPort final : public Stream, private LineUser {
+class TtyPort final : public SerialPort, private LineUser {
  public:
   /// Opens the line; null with the last error set when it is in use (5) or cannot be opened.
-  static std::shared_ptr<SerialPort> Open(std::shared_ptr<Line> line);
-  ~SerialPort() override;
+  static std::shared_ptr<TtyPort> Open(std::shared_ptr<TtyLine> line);
+  ~TtyPort() override;
 
   std::string Name() const override { return line_->port(); }
-  /// Returns when all bytes have come or the total time-out has passed (TRUE with fewer bytes).
   BOOL Read(void* buffer, DWORD bytes, DWORD* read) override;
-  /// Returns when all bytes have gone or the total time-out has passed (TRUE with fewer bytes).
   BOOL Write(const void* buffer, DWORD bytes, DWORD* written) override;
   void Closed() override;
 
-  BOOL GetState(DCB* state);
-  BOOL SetState(const DCB& state);
-  BOOL SetTimeouts(const COMMTIMEOUTS& timeouts);
-  /// EV_RXCHAR and EV_ERR, or 0. Ends a pending WaitEvent, which reports no event.
-  BOOL SetMask(DWORD mask);
-  /// Reports EV_RXCHAR as long as bytes wait. Fails at once with mask 0 or while another thread waits (87), and when
-  /// the line has hung up (1117).
-  BOOL WaitEvent(DWORD* mask);
-  BOOL ClearError(DWORD* errors, COMSTAT* status);
-  BOOL Purge(DWORD flags);
+  BOOL GetState(DCB* state) override;
+  BOOL SetState(const DCB& state) override;
+  BOOL SetTimeouts(const COMMTIMEOUTS& timeouts) override;
+  BOOL SetMask(DWORD mask) override;
+  BOOL WaitEvent(DWORD* mask) override;
+  BOOL ClearError(DWORD* errors, COMSTAT* status) override;
+  BOOL Purge(DWORD flags) override;
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -61,7 +54,7 @@ class SerialPort final : public Stream, private LineUser {
     std::atomic<DWORD> multiplier{0};  // for each byte asked for
   };
 
-  explicit SerialPort(std::shared_ptr<Line> line);
+  explicit TtyPort(std::shared_ptr<TtyLine> line);
   void Wake() override;
 
   Waited WaitForTty(const FileDescriptor& wake, short events, Clock::time_point until);
@@ -74,7 +67,7 @@ class SerialPort final : public Stream, private LineUser {
   long WriteSome(const char* bytes, std::size_t size);
   static Clock::time_point DeadlineOf(const Timeout& timeout, DWORD bytes);
 
-  const std::shared_ptr<Line> line_;
+  const std::shared_ptr<TtyLine> line_;
   SharedDescriptor tty_;
   FileDescriptor wake_;         // event descriptor: WaitEvent shall look again
   FileDescriptor closed_wake_;  // event descriptor, never reset: the handle has been closed

@@ -1,7 +1,7 @@
 #include "common/ports/serial_calls.h"
 
 #include "common/calls/errors.h"
-#include "posix/ports/serial_port.h"
+#include "common/ports/serial_port.h"
 
 namespace host {
 namespace {

@@ -1,6 +1,8 @@
-#include "posix/ports/pacer.h"
+#include "common/ports/pacer.h"
 
 #include <algorithm>
+
+#include "common/ports/port_options.h"
 
 namespace host {
 namespace {
@@ -35,6 +37,24 @@ Pacer::Clock::time_point Pacer::NextReady(std::size_t waiting, std::uint32_t bau
   const std::size_t few = std::max<std::size_t>(1, BytesIn(std::chrono::milliseconds(1), baud));
   // Rounded up: woken a nanosecond early, the last byte would not count as through.
   return next_byte_ + TimeOf(std::min(waiting, few), baud) + std::chrono::nanoseconds(1);
+}
+
+PacedWay::Allowance PacedWay::Ready(std::size_t waiting, std::uint32_t baud) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::size_t bytes = pacer_.Ready(waiting, baud, Clock::now());
+  return {bytes, bytes == 0 && waiting != 0 ? pacer_.NextReady(waiting, baud) : Clock::time_point::max()};
+}
+
+void PacedWay::Passed(std::size_t bytes) {
+  const std::uint32_t baud = PortPace();
+  if (baud == 0) return;
+  const std::lock_guard<std::mutex> lock(mutex_);
+  pacer_.Take(bytes, baud);
+}
+
+void PacedWay::Rest() {
+  const std::uint32_t baud = PortPace();
+  if (baud != 0) Ready(0, baud);
 }
 
 }  // namespace host

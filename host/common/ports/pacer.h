@@ -1,10 +1,11 @@
 // One direction of a paced line: when a byte has come through at the line's speed.
-#ifndef QXHOST_POSIX_PORTS_PACER_H
-#define QXHOST_POSIX_PORTS_PACER_H
+#ifndef QXHOST_COMMON_PORTS_PACER_H
+#define QXHOST_COMMON_PORTS_PACER_H
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 
 namespace host {
 
@@ -28,6 +29,28 @@ class Pacer {
  private:
   bool at_rest_ = true;
   Clock::time_point next_byte_{};  // when the next byte begins
+};
+
+/// One direction of the ports' line at the speed that ports are held to. Any thread.
+class PacedWay {
+ public:
+  using Clock = Pacer::Clock;
+
+  struct Allowance {
+    std::size_t bytes;             ///< that may pass now
+    Clock::time_point look_again;  ///< with none: when some may
+  };
+
+  /// For bytes that wait to pass at this speed, which is not 0.
+  Allowance Ready(std::size_t waiting, std::uint32_t baud);
+  /// Bytes have passed; nothing to do when ports are held to no speed.
+  void Passed(std::size_t bytes);
+  /// Nothing waits from here on; likewise.
+  void Rest();
+
+ private:
+  std::mutex mutex_;
+  Pacer pacer_;  // guarded by mutex_
 };
 
 }  // namespace host
