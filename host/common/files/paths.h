@@ -6,35 +6,34 @@
 // - A name loses the dots and blanks at its end. A name "." is left out; ".." and other names of dots and blanks alone
 //   do not exist (123): no path leads upwards.
 // - Characters that no name holds, and halves of surrogate pairs, are error 123; so are wild cards, unless allowed in
-// the
-//   last name. A colon is among them: there are no drives.
+//   the last name. A colon is among them: there are no drives.
 // - Names as desktop Windows reserves them ("NUL", "CON") are names like any other.
 // - MAX_PATH units or more, or a name of more than 255, are error 206; no path at all is error 3.
-#ifndef QXHOST_POSIX_DISK_PATHS_H
-#define QXHOST_POSIX_DISK_PATHS_H
+#ifndef QXHOST_COMMON_FILES_PATHS_H
+#define QXHOST_COMMON_FILES_PATHS_H
 
 #include <windows.h>
 
-#include <string>
-#include <string_view>
 #include <vector>
+
+#include "common/text/utf.h"
 
 namespace host {
 
 struct FilePath {
-  std::vector<std::u16string> names;  ///< from the root on; the root itself has none
-  bool ends_with_separator = false;   ///< then only a folder can be meant
+  std::vector<WideString> names;     ///< from the root on; the root itself has none
+  bool ends_with_separator = false;  ///< then only a folder can be meant
 };
 
 enum class WildCards { kRefused, kInLastName };
 
 /// Takes the path apart; returns 0 or the error. A last name with wild cards keeps its dots.
-DWORD ParsePath(std::u16string_view path, WildCards wild_cards, FilePath* parsed);
+DWORD ParsePath(WideView path, WildCards wild_cards, FilePath* parsed);
 
 /// Up to the terminating zero; empty for null.
-std::u16string_view PathText(LPCWSTR path);
+WideView PathText(LPCWSTR path);
 
-bool HasWildCards(std::u16string_view name);
+bool HasWildCards(WideView name);
 
 }  // namespace host
 

@@ -2,22 +2,21 @@
 //
 // "*" stands for any text and "?" for one character; at the end of a name or before a dot "?" may stand for none. "*.*"
 // means every name, with a dot or without, and "*." every name without one. Letter case does not matter.
-#ifndef QXHOST_POSIX_FILES_WILD_CARDS_H
-#define QXHOST_POSIX_FILES_WILD_CARDS_H
+#ifndef QXHOST_COMMON_FILES_WILD_CARDS_H
+#define QXHOST_COMMON_FILES_WILD_CARDS_H
 
-#include <string>
-#include <string_view>
+#include "common/text/utf.h"
 
 namespace host {
 
 class NamePattern {
  public:
-  explicit NamePattern(std::u16string_view pattern);
+  explicit NamePattern(WideView pattern);
   /// Takes the name in upper case (FoldName). Time grows with the product of the lengths at worst.
-  bool Matches(std::u16string_view folded) const;
+  bool Matches(WideView folded) const;
 
  private:
-  std::u16string steps_;  // upper case, with the marks below for what the wild cards mean where they stand
+  WideString steps_;  // upper case, with the marks below for what the wild cards mean where they stand
   bool every_name_ = false;
 };
 
