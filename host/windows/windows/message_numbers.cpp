@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <deque>
 #include <unordered_map>
+#include <utility>
 
 #include "common/calls/calls.h"
 #include "common/calls/errors.h"

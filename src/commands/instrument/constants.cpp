@@ -96,9 +96,7 @@ std::int32_t AddInteger(Reading& reading, const Row& row) {
 }
 
 // The half is added before the scaling, away from zero, and what is left of a tenth is cut (kept).
-std::int32_t VnsOffset(std::int16_t raw) {
-  return static_cast<std::int32_t>((raw + (raw < 0 ? -0.5 : 0.5)) * -0.1);
-}
+std::int32_t VnsOffset(std::int16_t raw) { return static_cast<std::int32_t>((raw + (raw < 0 ? -0.5 : 0.5)) * -0.1); }
 
 std::int32_t AddOffset(Reading& reading, const Row& row) {
   std::int16_t raw = 0;
