@@ -15,7 +15,7 @@ void Expect(DWORD error) {
 
 DWORD ErrorCode(int error) {
   if (error == 0) return ERROR_SUCCESS;
-  return error == ENOSPC || error == EDQUOT ? ERROR_DISK_FULL : ERROR_REGISTRY_IO_FAILED;
+  return error == ENOSPC ? ERROR_DISK_FULL : ERROR_REGISTRY_IO_FAILED;
 }
 
 }  // namespace

@@ -23,9 +23,10 @@ DECLSPEC_IMPORT BOOL WINAPI ReplaceParameterItem(const ParameterRecord* record);
 // OPVLIB.dll: the revision of the controller's operating system, its first number in the highest byte.
 DECLSPEC_IMPORT DWORD WINAPI GetProductOSRevision(void);
 
-// BTHUTIL.dll, by ordinal: the Bluetooth radio's mode (2 = on and discoverable). 0 is success.
-DECLSPEC_IMPORT int WINAPI BthUtilSetRadioMode(DWORD mode);   // ordinal 1
-DECLSPEC_IMPORT int WINAPI BthUtilGetRadioMode(DWORD* mode);  // ordinal 2
+// BTHUTIL.dll, by ordinal: the Bluetooth radio's mode.
+#define BTH_UTIL_CALL(ordinal, role, parameters) DECLSPEC_IMPORT int WINAPI BthUtil##role parameters;
+#include "platform/bthutil_calls.h"
+#undef BTH_UTIL_CALL
 
 }  // extern "C"
 

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -23,8 +24,10 @@ class ControllerLine {
   std::string Receive(std::size_t bytes, std::chrono::milliseconds time = std::chrono::seconds(5));
 
  private:
-  std::string port_;
-  int end_;
+  struct End;  // the host's
+
+  const std::string port_;
+  const std::unique_ptr<End> end_;
 };
 
 /// Opens the port as the library does; invalid when it cannot be opened.

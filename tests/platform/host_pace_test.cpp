@@ -7,9 +7,9 @@
 #include <future>
 #include <string>
 
+#include "common/ports/pacer.h"
 #include "common/ports/ports.h"
 #include "controller_line.h"
-#include "posix/ports/pacer.h"
 
 namespace {
 

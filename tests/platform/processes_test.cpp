@@ -36,7 +36,7 @@ TEST(BetweenProcesses, EventSetByTheOtherWakesAWaitForSeveral) {
   ASSERT_EQ(other.Listen(), "ready");
   const HANDLE objects[] = {stop, event};
   TestThread waiter([&] { return WaitForMultipleObjects(2, objects, FALSE, kLong); });
-  EXPECT_EQ(Wait(waiter.handle(), kShort), WAIT_TIMEOUT);
+  EXPECT_EQ(Wait(waiter.handle(), kShort), DWORD{WAIT_TIMEOUT});
   other.Tell("set");
   EXPECT_EQ(waiter.Join(), WAIT_OBJECT_0 + 1);
   EXPECT_EQ(other.Finish(), 0);
@@ -81,7 +81,7 @@ TEST(BetweenProcesses, MutexKeepsTheOtherOut) {
   const Handle mutex = FreeMutex(kMutexName);
   SecondProcess other(takes_mutex);
   ASSERT_EQ(other.Listen(), "taken");
-  EXPECT_EQ(Wait(mutex, kShort), WAIT_TIMEOUT);
+  EXPECT_EQ(Wait(mutex, kShort), DWORD{WAIT_TIMEOUT});
   EXPECT_EQ(ReleaseMutex(mutex), FALSE);
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_OWNER));
   other.Tell("release");
@@ -120,7 +120,7 @@ TEST(BetweenProcesses, WaiterIsToldSoonThatTheOwnerWasKilled) {
   ASSERT_EQ(other.Listen(), "taken");
   const HANDLE objects[] = {stop, mutex};
   TestThread waiter([&] { return WaitForMultipleObjects(2, objects, FALSE, kLong); });
-  EXPECT_EQ(Wait(waiter.handle(), kShort), WAIT_TIMEOUT);
+  EXPECT_EQ(Wait(waiter.handle(), kShort), DWORD{WAIT_TIMEOUT});
   other.Kill();
   EXPECT_EQ(Wait(waiter.handle(), kLong / 10), WAIT_OBJECT_0);
   EXPECT_EQ(waiter.Join(), WAIT_ABANDONED_0 + 1);

@@ -21,7 +21,7 @@ TEST_F(RegCreateKeyExTest, MakesTheKeyAndThoseOnTheWay) {
   DWORD disposition = 0;
   OpenKey key;
   EXPECT_EQ(key.Make(own_, TEXT("A\\B\\C"), &disposition), 0);
-  EXPECT_EQ(disposition, REG_CREATED_NEW_KEY);
+  EXPECT_EQ(disposition, DWORD{REG_CREATED_NEW_KEY});
   EXPECT_EQ(OpenKey().Open(own_, TEXT("A")), 0);
   EXPECT_EQ(OpenKey().Open(HKEY_CURRENT_USER, QXTEST_KEY TEXT("\\A\\B\\C")), 0);
 }
@@ -33,7 +33,7 @@ TEST_F(RegCreateKeyExTest, OpensTheKeyThatIsThere) {
   DWORD disposition = 0;
   OpenKey second;
   EXPECT_EQ(second.Make(own_, TEXT("a"), &disposition), 0);
-  EXPECT_EQ(disposition, REG_OPENED_EXISTING_KEY);
+  EXPECT_EQ(disposition, DWORD{REG_OPENED_EXISTING_KEY});
   Bytes data;
   EXPECT_EQ(second.Get(TEXT("Level"), &data), 0);
 }
@@ -124,7 +124,7 @@ TEST_F(RegCloseKeyTest, LeavesOtherHandlesOfTheKeyOpen) {
 }
 
 TEST_F(RegQueryValueExTest, GivesTypeAndBytesAsTheyWereSet) {
-  for (const DWORD type : {0u, REG_SZ, REG_BINARY, REG_DWORD, 7u, 0x12345678u}) {
+  for (const DWORD type : {DWORD{0}, DWORD{REG_SZ}, DWORD{REG_BINARY}, DWORD{REG_DWORD}, DWORD{7}, DWORD{0x12345678}}) {
     const Bytes data = {1, 0, 2, static_cast<BYTE>(type)};
     ASSERT_EQ(own_.Set(TEXT("Level"), data, type), 0);
     Bytes got;
@@ -140,7 +140,7 @@ TEST_F(RegQueryValueExTest, TellsTheSizeWithoutABuffer) {
   DWORD type = 0;
   DWORD size = 0;
   EXPECT_EQ(RegQueryValueExW(own_, TEXT("Level"), nullptr, &type, nullptr, &size), 0);
-  EXPECT_EQ(type, REG_BINARY);
+  EXPECT_EQ(type, DWORD{REG_BINARY});
   EXPECT_EQ(size, 44u);
   EXPECT_EQ(RegQueryValueExW(own_, TEXT("Level"), nullptr, nullptr, nullptr, nullptr), 0);
 }
@@ -152,7 +152,7 @@ TEST_F(RegQueryValueExTest, ATooSmallBufferIs234WithTheSizeNeeded) {
   DWORD size = 2;
   EXPECT_EQ(RegQueryValueExW(own_, TEXT("Level"), nullptr, &type, data, &size), Code(ERROR_MORE_DATA));
   EXPECT_EQ(size, 3u);
-  EXPECT_EQ(type, REG_BINARY);
+  EXPECT_EQ(type, DWORD{REG_BINARY});
   EXPECT_EQ(RegQueryValueExW(own_, TEXT("Level"), nullptr, nullptr, data, &size), 0);
   EXPECT_EQ(data[2], 3);
 }

@@ -66,27 +66,27 @@ TEST(TimeZone, MovesTheLocalTimeAndNotTheMoment) {
 
 TEST(TimeZone, WithoutDatesHasNoDaylightTime) {
   SetZone(Zone(-60));
-  for (const int month : {1, 4, 7, 10}) EXPECT_EQ(TimeInForceOn(At(2024, month, 15)), TIME_ZONE_ID_UNKNOWN);
+  for (const int month : {1, 4, 7, 10}) EXPECT_EQ(TimeInForceOn(At(2024, month, 15)), DWORD{TIME_ZONE_ID_UNKNOWN});
 }
 
 TEST(TimeZone, OfTheNorthHasDaylightTimeInSummer) {
   SetZone(NorthernZone());
-  EXPECT_EQ(TimeInForceOn(At(2024, 1, 1)), TIME_ZONE_ID_STANDARD);
-  EXPECT_EQ(TimeInForceOn(At(2024, 3, 31, 1, 59, 50)), TIME_ZONE_ID_STANDARD);
-  EXPECT_EQ(TimeInForceOn(At(2024, 3, 31, 3)), TIME_ZONE_ID_DAYLIGHT);
-  EXPECT_EQ(TimeInForceOn(At(2024, 10, 27, 1, 59, 50)), TIME_ZONE_ID_DAYLIGHT);
-  EXPECT_EQ(TimeInForceOn(At(2024, 10, 27, 3)), TIME_ZONE_ID_STANDARD);
-  EXPECT_EQ(TimeInForceOn(At(2024, 12, 31, 23)), TIME_ZONE_ID_STANDARD);
+  EXPECT_EQ(TimeInForceOn(At(2024, 1, 1)), DWORD{TIME_ZONE_ID_STANDARD});
+  EXPECT_EQ(TimeInForceOn(At(2024, 3, 31, 1, 59, 50)), DWORD{TIME_ZONE_ID_STANDARD});
+  EXPECT_EQ(TimeInForceOn(At(2024, 3, 31, 3)), DWORD{TIME_ZONE_ID_DAYLIGHT});
+  EXPECT_EQ(TimeInForceOn(At(2024, 10, 27, 1, 59, 50)), DWORD{TIME_ZONE_ID_DAYLIGHT});
+  EXPECT_EQ(TimeInForceOn(At(2024, 10, 27, 3)), DWORD{TIME_ZONE_ID_STANDARD});
+  EXPECT_EQ(TimeInForceOn(At(2024, 12, 31, 23)), DWORD{TIME_ZONE_ID_STANDARD});
 }
 
 TEST(TimeZone, OfTheSouthHasDaylightTimeOverTheNewYear) {
   SetZone(SouthernZone());
-  EXPECT_EQ(TimeInForceOn(At(2023, 12, 31, 23)), TIME_ZONE_ID_DAYLIGHT);
-  EXPECT_EQ(TimeInForceOn(At(2024, 1, 1)), TIME_ZONE_ID_DAYLIGHT);
-  EXPECT_EQ(TimeInForceOn(At(2024, 4, 7, 1, 59, 50)), TIME_ZONE_ID_DAYLIGHT);
-  EXPECT_EQ(TimeInForceOn(At(2024, 4, 7, 3)), TIME_ZONE_ID_STANDARD);
-  EXPECT_EQ(TimeInForceOn(At(2024, 10, 6, 1, 59, 50)), TIME_ZONE_ID_STANDARD);
-  EXPECT_EQ(TimeInForceOn(At(2024, 10, 6, 3)), TIME_ZONE_ID_DAYLIGHT);
+  EXPECT_EQ(TimeInForceOn(At(2023, 12, 31, 23)), DWORD{TIME_ZONE_ID_DAYLIGHT});
+  EXPECT_EQ(TimeInForceOn(At(2024, 1, 1)), DWORD{TIME_ZONE_ID_DAYLIGHT});
+  EXPECT_EQ(TimeInForceOn(At(2024, 4, 7, 1, 59, 50)), DWORD{TIME_ZONE_ID_DAYLIGHT});
+  EXPECT_EQ(TimeInForceOn(At(2024, 4, 7, 3)), DWORD{TIME_ZONE_ID_STANDARD});
+  EXPECT_EQ(TimeInForceOn(At(2024, 10, 6, 1, 59, 50)), DWORD{TIME_ZONE_ID_STANDARD});
+  EXPECT_EQ(TimeInForceOn(At(2024, 10, 6, 3)), DWORD{TIME_ZONE_ID_DAYLIGHT});
 }
 
 TEST(TimeZone, LeavesAnHourOutWhenDaylightTimeBegins) {
@@ -100,17 +100,17 @@ TEST(TimeZone, RepeatsAnHourWhenDaylightTimeEnds) {
   SetZone(NorthernZone());
   SetClock(At(2024, 10, 27, 1));  // daylight time: the hour that follows is the first of the two
   EXPECT_EQ(AfterTheMinute(At(2024, 10, 27, 2, 59)), "2024-10-27 02:00");
-  EXPECT_EQ(TimeInForce(), TIME_ZONE_ID_STANDARD);
+  EXPECT_EQ(TimeInForce(), DWORD{TIME_ZONE_ID_STANDARD});
   EXPECT_EQ(AfterTheMinute(At(2024, 10, 27, 2, 59)), "2024-10-27 03:00");
 }
 
 TEST(TimeZone, TakesDatedChangesOnce) {
   SetZone(Zone(-60, At(2024, 5, 10, 2), At(2024, 9, 20, 3)));
-  EXPECT_EQ(TimeInForceOn(At(2023, 7, 1)), TIME_ZONE_ID_STANDARD);
+  EXPECT_EQ(TimeInForceOn(At(2023, 7, 1)), DWORD{TIME_ZONE_ID_STANDARD});
   EXPECT_EQ(AfterTheMinute(At(2024, 5, 10, 1, 59)), "2024-05-10 03:00");
-  EXPECT_EQ(TimeInForceOn(At(2024, 9, 20, 1)), TIME_ZONE_ID_DAYLIGHT);
-  EXPECT_EQ(TimeInForceOn(At(2024, 9, 20, 4)), TIME_ZONE_ID_STANDARD);
-  EXPECT_EQ(TimeInForceOn(At(2025, 7, 1)), TIME_ZONE_ID_STANDARD);
+  EXPECT_EQ(TimeInForceOn(At(2024, 9, 20, 1)), DWORD{TIME_ZONE_ID_DAYLIGHT});
+  EXPECT_EQ(TimeInForceOn(At(2024, 9, 20, 4)), DWORD{TIME_ZONE_ID_STANDARD});
+  EXPECT_EQ(TimeInForceOn(At(2025, 7, 1)), DWORD{TIME_ZONE_ID_STANDARD});
 }
 
 TEST(TimeZone, NeedsBothChangesOrNone) {

@@ -17,7 +17,7 @@ using qxtest::PeFile;
 using qxtest::PeLayout;
 using qxtest::VersionResource;
 using qxtest::VersionTable;
-using WideText = std::basic_string<WCHAR>;
+using qxtest::WideText;
 
 const VersionTable kGerman = {
     0x0407, 1252, {{TEXT("FileVersion"), TEXT("1, 2, 0, 15")}, {TEXT("ProductVersion"), TEXT("3.4.5.6")}}};

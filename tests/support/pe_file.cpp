@@ -22,8 +22,8 @@ void Put32(FileBytes* bytes, std::uint32_t value) {
   Put16(bytes, value & 0xFFFF);
   Put16(bytes, value >> 16);
 }
-void PutText(FileBytes* bytes, const std::u16string& text) {
-  for (const char16_t unit : text) Put16(bytes, unit);
+void PutText(FileBytes* bytes, const WideText& text) {
+  for (const WCHAR unit : text) Put16(bytes, unit);
   Put16(bytes, 0);
 }
 void Put(FileBytes* bytes, const FileBytes& more) { bytes->insert(bytes->end(), more.begin(), more.end()); }
@@ -37,9 +37,9 @@ void Set32(FileBytes* bytes, std::size_t at, std::uint32_t value) {
   Set16(bytes, at + 2, value >> 16);
 }
 
-std::u16string Hex4(unsigned number) {
-  std::u16string text;
-  for (const int shift : {12, 8, 4, 0}) text.push_back(u"0123456789abcdef"[number >> shift & 15]);
+WideText Hex4(unsigned number) {
+  WideText text;
+  for (const int shift : {12, 8, 4, 0}) text.push_back(TEXT("0123456789abcdef")[number >> shift & 15]);
   return text;
 }
 
@@ -137,7 +137,7 @@ void PutHeaders(FileBytes* file, const PeLayout& layout, std::uint32_t resources
 
 }  // namespace
 
-FileBytes VersionBlock(const std::u16string& name, bool text, const FileBytes& value, std::uint16_t units,
+FileBytes VersionBlock(const WideText& name, bool text, const FileBytes& value, std::uint16_t units,
                        const std::vector<FileBytes>& below) {
   FileBytes block;
   Put16(&block, 0);
@@ -163,10 +163,10 @@ FileBytes VersionResource(const std::vector<VersionTable>& tables) {
     Put16(&languages, table.code_page);
   }
   const auto size = static_cast<std::uint16_t>(languages.size());
-  const FileBytes list = VersionBlock(u"Translation", false, languages, size, {});
-  return VersionBlock(
-      u"VS_VERSION_INFO", false, FixedInfo(), 52,
-      {VersionBlock(u"StringFileInfo", true, {}, 0, text_tables), VersionBlock(u"VarFileInfo", true, {}, 0, {list})});
+  const FileBytes list = VersionBlock(TEXT("Translation"), false, languages, size, {});
+  return VersionBlock(TEXT("VS_VERSION_INFO"), false, FixedInfo(), 52,
+                      {VersionBlock(TEXT("StringFileInfo"), true, {}, 0, text_tables),
+                       VersionBlock(TEXT("VarFileInfo"), true, {}, 0, {list})});
 }
 
 FileBytes PeFile(const FileBytes& resource, const PeLayout& layout) {

@@ -4,6 +4,8 @@
 #ifndef QXTEST_SUPPORT_PE_FILE_H
 #define QXTEST_SUPPORT_PE_FILE_H
 
+#include <windows.h>
+
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -12,16 +14,17 @@
 namespace qxtest {
 
 using FileBytes = std::vector<std::uint8_t>;
+using WideText = std::basic_string<WCHAR>;
 
 /// One block of a version resource. `units` is the value's length as written into the block.
-FileBytes VersionBlock(const std::u16string& name, bool text, const FileBytes& value, std::uint16_t units,
+FileBytes VersionBlock(const WideText& name, bool text, const FileBytes& value, std::uint16_t units,
                        const std::vector<FileBytes>& below);
 
 /// The texts of one language and code page, in the order they stand.
 struct VersionTable {
   std::uint16_t language = 0x0409;
   std::uint16_t code_page = 1200;
-  std::vector<std::pair<std::u16string, std::u16string>> texts;
+  std::vector<std::pair<WideText, WideText>> texts;
 };
 
 /// A whole resource: the fixed part says version 1.2.3.4, then come the tables and the list of their languages.

@@ -59,7 +59,14 @@ std::uint64_t TakeCallNumber() { return last_number.fetch_add(1) + 1; }
 
 double MillisecondsSinceStart() { return std::chrono::duration<double, std::milli>(Clock::now() - start_time).count(); }
 
-bool InLibraryCall() { return internal::call_depth != 0; }
+std::atomic<unsigned> internal::watch{0};
+
+unsigned& internal::CallDepth() {
+  thread_local unsigned depth = 0;
+  return depth;
+}
+
+bool InLibraryCall() { return internal::CallDepth() != 0; }
 
 void EnableCallLog(bool on) {
   CallLog& log = Log();

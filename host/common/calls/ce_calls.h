@@ -7,15 +7,15 @@
 extern "C" {
 
 /// function: 2 resets the event, 3 sets it.
-BOOL WINAPI EventModify(HANDLE event, DWORD function);
-DWORD WINAPI SetSystemPowerState(LPCWSTR state_name, DWORD state_flags, DWORD options);
-void WINAPI SystemIdleTimerReset(void);
+DECLSPEC_IMPORT BOOL WINAPI EventModify(HANDLE event, DWORD function);
+DECLSPEC_IMPORT DWORD WINAPI SetSystemPowerState(LPCWSTR state_name, DWORD state_flags, DWORD options);
+DECLSPEC_IMPORT void WINAPI SystemIdleTimerReset(void);
 /// index: -4, the window's procedure, or -21, its user value.
-LONG_PTR WINAPI GetWindowLongW(HWND window, int index);
+DECLSPEC_IMPORT LONG_PTR WINAPI GetWindowLongW(HWND window, int index);
 /// Returns the value before.
-LONG_PTR WINAPI SetWindowLongW(HWND window, int index, LONG_PTR value);
+DECLSPEC_IMPORT LONG_PTR WINAPI SetWindowLongW(HWND window, int index, LONG_PTR value);
 /// name: a procedure's name, or MAKEINTRESOURCEW(ordinal).
-FARPROC WINAPI GetProcAddressW(HMODULE module, LPCWSTR name);
+DECLSPEC_IMPORT FARPROC WINAPI GetProcAddressW(HMODULE module, LPCWSTR name);
 
 }  // extern "C"
 

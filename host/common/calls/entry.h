@@ -91,15 +91,33 @@ namespace internal {
 
 constexpr unsigned kFaultsSet = 1;
 constexpr unsigned kListing = 2;
-inline std::atomic<unsigned> watch{0};
-inline thread_local unsigned call_depth = 0;
+extern std::atomic<unsigned> watch;
+
+/// How many of the library's calls the calling thread is inside of.
+unsigned& CallDepth();
 
 class InsideCall {
  public:
-  InsideCall() { ++call_depth; }
-  ~InsideCall() { --call_depth; }
+  InsideCall() : depth_(CallDepth()) { ++depth_; }
+  ~InsideCall() { --depth_; }
   InsideCall(const InsideCall&) = delete;
   InsideCall& operator=(const InsideCall&) = delete;
+
+ private:
+  unsigned& depth_;
+};
+
+/// What runs meanwhile is the application's own, even inside one of the library's calls.
+class OutsideCalls {
+ public:
+  OutsideCalls() : depth_(CallDepth()), inside_(std::exchange(depth_, 0u)) {}
+  ~OutsideCalls() { depth_ = inside_; }
+  OutsideCalls(const OutsideCalls&) = delete;
+  OutsideCalls& operator=(const OutsideCalls&) = delete;
+
+ private:
+  unsigned& depth_;
+  const unsigned inside_;
 };
 
 /// A callable that outlives the call it is passed to, without its type.

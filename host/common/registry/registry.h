@@ -39,12 +39,10 @@ class Registry {
   void SetKeeper(Keeper keeper);
 
  private:
-  Registry();
+  Registry() = default;
 
-  std::mutex change_mutex_;  // held for a whole change, the keeper's call included; taken before content_mutex_
+  std::mutex change_mutex_;  // held for a whole change, the keeper's call included
   Keeper keeper_;            // guarded by change_mutex_
-  mutable std::mutex content_mutex_;
-  RegistryContent content_;  // guarded by content_mutex_; written with change_mutex_ held too
 };
 
 }  // namespace host

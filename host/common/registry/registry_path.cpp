@@ -8,18 +8,6 @@
 namespace host {
 namespace {
 
-bool IsHigh(WCHAR unit) { return unit >= 0xD800 && unit < 0xDC00; }
-bool IsLow(WCHAR unit) { return unit >= 0xDC00 && unit < 0xE000; }
-
-bool WellFormed(WideView text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (IsLow(text[i])) return false;
-    if (!IsHigh(text[i])) continue;
-    if (++i == text.size() || !IsLow(text[i])) return false;
-  }
-  return true;
-}
-
 bool IsRoot(const WideString& name) {
   return std::find(std::begin(kRegistryRoots), std::end(kRegistryRoots), name) != std::end(kRegistryRoots);
 }
@@ -31,7 +19,7 @@ bool GoodKeyName(const WideString& name) {
 }  // namespace
 
 bool GoodRegistryName(WideView name) {
-  return name.size() <= kLongestRegistryName && name.find(TEXT('\0')) == WideView::npos && WellFormed(name);
+  return name.size() <= kLongestRegistryName && name.find(TEXT('\0')) == WideView::npos && IsWellFormed(name);
 }
 
 bool GoodRegistryPath(const RegistryPath& path) {

@@ -19,8 +19,8 @@ foreach(line IN LISTS lines)
   string(REPLACE " " ", " daylight_date "${daylight_date}")
   list(GET fields 7 standard_name)
   list(GET fields 8 daylight_name)
-  string(APPEND rows "    {${index}, u\"${key}\", ${biases}, {${standard_date}}, {${daylight_date}},\n"
-                     "     u\"${standard_name}\", u\"${daylight_name}\"},\n")
+  string(APPEND rows "    {${index}, TEXT(\"${key}\"), ${biases}, {${standard_date}}, {${daylight_date}},\n"
+                     "     TEXT(\"${standard_name}\"), TEXT(\"${daylight_name}\")},\n")
 endforeach()
 file(WRITE ${OUTPUT}.new
   "#include \"common/registry/time_zones.h\"\n\nnamespace host {\nnamespace {\n\nconstexpr TimeZone kRows[] = {\n${rows}};\n\n"

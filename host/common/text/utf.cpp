@@ -53,6 +53,15 @@ std::uint32_t DecodeSequence(std::string_view text, std::size_t length) {
 
 }  // namespace
 
+bool IsWellFormed(WideView wide) {
+  for (std::size_t i = 0; i < wide.size(); ++i) {
+    if (IsLow(wide[i])) return false;
+    if (!IsHigh(wide[i])) continue;
+    if (++i == wide.size() || !IsLow(wide[i])) return false;
+  }
+  return true;
+}
+
 std::string WideToUtf8(WideView wide) {
   std::string text;
   text.reserve(wide.size());

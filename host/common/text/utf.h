@@ -13,6 +13,9 @@ namespace host {
 using WideString = std::basic_string<WCHAR>;
 using WideView = std::basic_string_view<WCHAR>;
 
+/// Whether every surrogate is one of a pair.
+bool IsWellFormed(WideView wide);
+
 /// Unpaired surrogates become U+FFFD.
 std::string WideToUtf8(WideView wide);
 

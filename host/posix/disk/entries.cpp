@@ -10,8 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "common/files/names.h"
 #include "posix/disk/host_errors.h"
-#include "posix/disk/names.h"
+#include "posix/disk/host_names.h"
 
 namespace host {
 namespace {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 
 #include <cerrno>
+#include <mutex>
 #include <system_error>
 #include <utility>
 
@@ -14,8 +15,6 @@ namespace {
 struct Disk {
   std::mutex mutex;
   std::shared_ptr<const FileDescriptor> root;  // guarded by mutex
-  std::optional<std::uint64_t> free_space;     // guarded by mutex; nothing: no limit of its own
-  std::mutex names;
 };
 
 Disk& TheDisk() {
@@ -44,28 +43,5 @@ std::shared_ptr<const FileDescriptor> FileRoot() {
   const std::lock_guard<std::mutex> lock(disk.mutex);
   return disk.root;
 }
-
-void SetFreeFileSpace(std::optional<std::uint64_t> bytes) {
-  Disk& disk = TheDisk();
-  const std::lock_guard<std::mutex> lock(disk.mutex);
-  disk.free_space = bytes;
-}
-
-bool TakeFileSpace(std::uint64_t bytes) {
-  Disk& disk = TheDisk();
-  const std::lock_guard<std::mutex> lock(disk.mutex);
-  if (!disk.free_space) return true;
-  if (*disk.free_space < bytes) return false;
-  *disk.free_space -= bytes;
-  return true;
-}
-
-void GiveFileSpace(std::uint64_t bytes) {
-  Disk& disk = TheDisk();
-  const std::lock_guard<std::mutex> lock(disk.mutex);
-  if (disk.free_space) *disk.free_space += bytes;
-}
-
-std::unique_lock<std::mutex> LockNames() { return std::unique_lock<std::mutex>(TheDisk().names); }
 
 }  // namespace host

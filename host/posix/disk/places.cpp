@@ -4,10 +4,10 @@
 
 #include <utility>
 
+#include "common/files/paths.h"
 #include "posix/disk/file_root.h"
 #include "posix/disk/host_errors.h"
-#include "posix/disk/names.h"
-#include "posix/disk/paths.h"
+#include "posix/disk/host_names.h"
 
 namespace host {
 namespace {

@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "common/calls/errors.h"
+#include "common/files/file_space.h"
 #include "common/files/files.h"
+#include "common/files/paths.h"
 #include "posix/disk/attributes.h"
-#include "posix/disk/file_root.h"
 #include "posix/disk/host_errors.h"
-#include "posix/disk/paths.h"
 #include "posix/files/open_file.h"
 
 namespace host {

@@ -1,26 +1,10 @@
 #include "common/files/file_facts.h"
 
+#include "common/files/file_space.h"
 #include "posix/disk/attributes.h"
-#include "posix/disk/file_root.h"
 #include "posix/disk/places.h"
 
 namespace host {
-namespace {
-
-void Apply(const std::optional<bool>& wanted, DWORD attribute, DWORD* attributes) {
-  if (!wanted) return;
-  *attributes = *wanted ? *attributes | attribute : *attributes & ~attribute;
-}
-
-DWORD Changed(DWORD attributes, const FileChange& change) {
-  Apply(change.readonly, FILE_ATTRIBUTE_READONLY, &attributes);
-  Apply(change.hidden, FILE_ATTRIBUTE_HIDDEN, &attributes);
-  Apply(change.system, FILE_ATTRIBUTE_SYSTEM, &attributes);
-  Apply(change.archive, FILE_ATTRIBUTE_ARCHIVE, &attributes);
-  return attributes & kSettableAttributes;
-}
-
-}  // namespace
 
 DWORD ReadInstrumentFile(std::u16string_view path, InstrumentFile* file) {
   const auto lock = LockNames();
@@ -38,7 +22,7 @@ DWORD ChangeInstrumentFile(std::u16string_view path, const FileChange& change) {
   const int pin = place.entry.descriptor.get();
   const FileFacts& facts = place.entry.facts;
   const DWORD before = ReadAttributes(place.entry) & kSettableAttributes;
-  const DWORD after = Changed(before, change);
+  const DWORD after = ChangedAttributes(before, change) & kSettableAttributes;
   if (after != before) error = StoreAttributes(pin, facts, after);
   if (error != ERROR_SUCCESS || !change.written) return error;
   error = StoreWrittenTime(pin, FromFileTime(*change.written));

@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "common/calls/errors.h"
+#include "common/files/file_space.h"
 #include "common/text/utf.h"
 #include "posix/disk/attributes.h"
-#include "posix/disk/file_root.h"
 #include "posix/disk/host_errors.h"
 
 namespace host {

@@ -4,11 +4,11 @@
 #include <unistd.h>
 
 #include "common/calls/errors.h"
+#include "common/files/file_space.h"
 #include "common/files/files.h"
+#include "common/files/paths.h"
 #include "posix/disk/attributes.h"
-#include "posix/disk/file_root.h"
 #include "posix/disk/host_errors.h"
-#include "posix/disk/paths.h"
 #include "posix/disk/places.h"
 #include "posix/files/shares.h"
 

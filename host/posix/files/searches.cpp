@@ -6,15 +6,16 @@
 #include <vector>
 
 #include "common/calls/errors.h"
+#include "common/files/file_space.h"
 #include "common/files/files.h"
+#include "common/files/names.h"
+#include "common/files/paths.h"
+#include "common/files/wild_cards.h"
 #include "common/kernel/handles.h"
 #include "common/text/utf.h"
 #include "posix/disk/attributes.h"
-#include "posix/disk/file_root.h"
-#include "posix/disk/names.h"
-#include "posix/disk/paths.h"
+#include "posix/disk/host_names.h"
 #include "posix/disk/places.h"
-#include "posix/files/wild_cards.h"
 
 namespace host {
 namespace {

@@ -1,92 +1,29 @@
 #include "common/ports/ports.h"
 
-#include <windows.h>
-
-#include <atomic>
-#include <map>
 #include <memory>
-#include <mutex>
+#include <utility>
 
-#include "common/calls/errors.h"
-#include "common/streams/devices.h"
-#include "posix/ports/line.h"
-#include "posix/ports/port_options.h"
-#include "posix/ports/serial_port.h"
+#include "common/ports/port_options.h"
+#include "posix/ports/tty_line.h"
+#include "posix/ports/tty_port.h"
 
 namespace host {
 namespace {
 
-std::atomic<bool> ports_shared{false};
-std::atomic<std::uint32_t> pace{0};
-
-PortObserver& Observer() {
-  static auto* observer = new PortObserver;  // bytes may still pass while the process ends
-  return *observer;
-}
-
-struct GateTable {
-  std::mutex mutex;
-  std::map<std::string, PortGate, std::less<>> gates;  // by port; guarded by mutex
-};
-
-GateTable& Gates() {
-  static auto* table = new GateTable;  // gates are set before main begins, and asked while the process ends
-  return *table;
-}
-
-bool IsThere(const std::string& port) {
-  PortGate gate;
-  {
-    GateTable& table = Gates();
-    const std::lock_guard<std::mutex> lock(table.mutex);
-    const auto found = table.gates.find(port);
-    if (found != table.gates.end()) gate = found->second;
-  }
-  return !gate || gate();
-}
-
-std::shared_ptr<Stream> OpenPort(const std::shared_ptr<Line>& line, const OpenRequest& request) {
-  if (!IsThere(line->port())) return Fail(ERROR_FILE_NOT_FOUND, std::shared_ptr<Stream>());
-  const bool both_ways = request.access == (GENERIC_READ | GENERIC_WRITE);
-  const bool plain = request.flags == 0 || request.flags == FILE_ATTRIBUTE_NORMAL;
-  if (both_ways && plain && request.share == 0 && request.disposition == OPEN_EXISTING) return SerialPort::Open(line);
-  return Fail(ERROR_INVALID_PARAMETER, std::shared_ptr<Stream>());
-}
-
-void Attach(const std::shared_ptr<Line>& line) {
-  RegisterDevice(line->port(), [line](const OpenRequest& request) { return OpenPort(line, request); });
+void Attach(const std::shared_ptr<TtyLine>& line) {
+  AttachLine(line->port(), [line] { return TtyPort::Open(line); });
 }
 
 }  // namespace
 
 std::string AttachPty(std::string_view port) {
-  const auto line = std::make_shared<Line>(std::string(port));
+  const auto line = std::make_shared<TtyLine>(std::string(port));
   Attach(line);
   return line->controller_path();
 }
 
 void AttachDevice(std::string_view port, std::string path) {
-  Attach(std::make_shared<Line>(std::string(port), std::move(path)));
-}
-
-void DetachPort(std::string_view port) { UnregisterDevice(port); }
-
-void GatePort(std::string_view port, PortGate is_there) {
-  GateTable& table = Gates();
-  const std::lock_guard<std::mutex> lock(table.mutex);
-  table.gates[std::string(port)] = std::move(is_there);
-}
-
-void SharePorts(bool shared) { ports_shared = shared; }
-bool PortsShared() { return ports_shared; }
-
-void PacePorts(std::uint32_t baud) { pace = baud; }
-std::uint32_t PortPace() { return pace.load(std::memory_order_relaxed); }
-
-void SetPortObserver(PortObserver observer) { Observer() = std::move(observer); }
-
-void ShowPortBytes(std::string_view port, bool in, std::string_view bytes) {
-  if (const PortObserver& observer = Observer()) observer(port, in, bytes);
+  Attach(std::make_shared<TtyLine>(std::string(port), std::move(path)));
 }
 
 }  // namespace host

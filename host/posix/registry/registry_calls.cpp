@@ -1,11 +1,11 @@
 #include "common/registry/registry_calls.h"
 
 #include <cstring>
-#include <iterator>
 #include <utility>
 
 #include "common/kernel/handles.h"
 #include "common/registry/registry.h"
+#include "common/registry/registry_arguments.h"
 
 namespace host {
 namespace {
@@ -26,19 +26,9 @@ class OpenKey final : public KernelObject {
   const KnownKey key_;
 };
 
-constexpr LONG Code(DWORD error) { return static_cast<LONG>(error); }
-
-std::u16string_view Text(LPCWSTR text) { return text == nullptr ? std::u16string_view() : std::u16string_view(text); }
-
-/// The root's place in kRegistryRoots; their number for any other handle.
-std::size_t RootPlace(HKEY key) {
-  const auto place = reinterpret_cast<std::uintptr_t>(key) - reinterpret_cast<std::uintptr_t>(HKEY_CLASSES_ROOT);
-  return place < std::size(kRegistryRoots) ? place : std::size(kRegistryRoots);
-}
-
 DWORD FindOpenKey(HKEY key, KnownKey* known) {
-  const std::size_t root = RootPlace(key);
-  if (root < std::size(kRegistryRoots)) {
+  if (IsRegistryRoot(key)) {
+    const std::size_t root = RegistryRootPlace(key);
     *known = {{kRegistryRoots[root]}, root + 1};
     return ERROR_SUCCESS;
   }
@@ -54,17 +44,6 @@ const RegistryKey* Find(const RegistryContent& content, const KnownKey& known) {
   return key != nullptr && key->id == known.id ? key : nullptr;
 }
 
-/// Lengthens `path` by the names in `text`. Separators in a row and at the end count as one and as none.
-DWORD AppendPath(std::u16string_view text, RegistryPath* path) {
-  if (!text.empty() && text[0] == u'\\') return ERROR_BAD_PATHNAME;
-  while (!text.empty()) {
-    const std::size_t end = text.find(u'\\');
-    if (end != 0) path->emplace_back(text.substr(0, end));
-    text = end == std::u16string_view::npos ? std::u16string_view() : text.substr(end + 1);
-  }
-  return GoodRegistryPath(*path) ? ERROR_SUCCESS : ERROR_INVALID_PARAMETER;
-}
-
 /// What a handle and a path name together.
 struct Target {
   KnownKey base;
@@ -74,7 +53,7 @@ struct Target {
 DWORD FindTarget(HKEY key, LPCWSTR path, Target* target) {
   if (const DWORD error = FindOpenKey(key, &target->base)) return error;
   target->path = target->base.path;
-  return AppendPath(Text(path), &target->path);
+  return AppendRegistryPath(Text(path), &target->path);
 }
 
 LONG Open(RegistryPath path, std::uint64_t id, PHKEY opened) {
@@ -132,7 +111,7 @@ LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPCWSTR, DWORD, DWO
 }
 
 LONG RegCloseKey(HKEY key) {
-  if (RootPlace(key) < std::size(kRegistryRoots)) return Code(ERROR_SUCCESS);
+  if (IsRegistryRoot(key)) return Code(ERROR_SUCCESS);
   KnownKey known;
   const bool closed = FindOpenKey(key, &known) == ERROR_SUCCESS && RemoveHandle(key);
   return Code(closed ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);

@@ -1,0 +1,44 @@
+// On Windows the test's folder is "\Scratch" below a root of its own, which has a folder around it to itself.
+#include <atomic>
+#include <filesystem>
+
+#include "common/files/file_root.h"
+#include "scratch_folder.h"
+
+namespace platform_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path NewFolder() {
+  static std::atomic<unsigned> count{0};
+  const std::wstring name = L"qx-files-" + std::to_wstring(::GetCurrentProcessId()) + L'-' + std::to_wstring(++count);
+  return fs::temp_directory_path() / name;
+}
+
+// What is read-only is not removed.
+void RemoveAll(const fs::path& folder) {
+  std::error_code ignored;
+  for (const auto& entry : fs::recursive_directory_iterator(folder, ignored)) {
+    fs::permissions(entry, fs::perms::owner_write, fs::perm_options::add, ignored);
+  }
+  EXPECT_NE(fs::remove_all(folder, ignored), static_cast<std::uintmax_t>(-1)) << ignored.message();
+}
+
+}  // namespace
+
+ScratchFolder::ScratchFolder() : path_(TEXT("\\Scratch")) {
+  const fs::path root = NewFolder() / "files";
+  EXPECT_TRUE(fs::create_directories(root));
+  host::SetFileRoot(root.u8string());
+  host_path_ = (root / "Scratch").u8string();
+  EXPECT_TRUE(CreateDirectoryW(path_.c_str(), nullptr));
+}
+
+ScratchFolder::~ScratchFolder() {
+  host::ClearFileRoot();
+  host::SetFreeFileSpace(std::nullopt);
+  RemoveAll(fs::u8path(host_path_).parent_path().parent_path());
+}
+
+}  // namespace platform_test

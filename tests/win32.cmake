@@ -1,0 +1,14 @@
+# The platform's contract on the system's real calls, under Wine. The names of these tests begin with "wine.".
+set(QX_GOOGLETEST /usr/src/googletest CACHE PATH "sources of GoogleTest, which is built for Windows here")
+set(gtest_disable_pthreads ON)
+set(INSTALL_GTEST OFF)
+add_subdirectory(${QX_GOOGLETEST}/googletest ${CMAKE_CURRENT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+
+add_compile_options(-O0 -g1)
+file(GLOB sources CONFIGURE_DEPENDS platform/*.cpp platform/*.h)
+list(FILTER sources EXCLUDE REGEX "/host_[^/]*$")
+add_executable(platform_tests ${sources} support/pe_file.cpp)
+target_include_directories(platform_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+# Before the system's own import libraries: the calls of the tests go the way that the library's go.
+target_link_libraries(platform_tests PRIVATE coredll qxinstrument GTest::gtest ws2_32 qx_options)
+target_precompile_headers(platform_tests PRIVATE <gtest/gtest.h>)
