@@ -99,7 +99,7 @@ TEST_F(VirtualClock, RefusesAMomentBefore1601) {
   ASSERT_TRUE(SetTimeZoneInformation(&east));
   const SYSTEMTIME first = At(1601, 1, 1, 0, 59, 59), next = At(1601, 1, 1, 1);
   EXPECT_FALSE(SetLocalTime(&first));
-  EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
   EXPECT_TRUE(SetLocalTime(&next));
 }
 
@@ -126,7 +126,7 @@ TEST_F(VirtualClock, TakesAnyBias) {
 
 TEST_F(VirtualClock, RefusesNull) {
   EXPECT_FALSE(SetLocalTime(nullptr));
-  EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
   EXPECT_FALSE(SetTimeZoneInformation(nullptr));
   EXPECT_EQ(GetTimeZoneInformation(nullptr), TIME_ZONE_ID_INVALID);
   FILETIME file = {};
@@ -146,7 +146,7 @@ TEST_F(VirtualClock, RefusesALocalFileTimeThatCannotBe) {
   ASSERT_TRUE(SetTimeZoneInformation(&west));
   const FILETIME first = FileTime(35999999999), last = FileTime(INT64_MAX), negative = FileTime(UINT64_MAX);
   EXPECT_FALSE(FileTimeToLocalFileTime(&first, &local));
-  EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
   ASSERT_TRUE(SetTimeZoneInformation(&east));
   EXPECT_FALSE(FileTimeToLocalFileTime(&last, &local));
   EXPECT_FALSE(FileTimeToLocalFileTime(&negative, &local));
@@ -154,11 +154,14 @@ TEST_F(VirtualClock, RefusesALocalFileTimeThatCannotBe) {
 
 TEST(Calendar, AgreesWithTheMachinesLibraryOnAnyMoment) {
   std::mt19937_64 random(20240131);
+  int compared = 0;  // some libraries know the years 1970 to 3000 only
   for (int round = 0; round < 200000; ++round) {
     const auto ticks = static_cast<std::int64_t>(random() >> 1);
     const std::time_t seconds = ticks / kTicksPerSecond - kSecondsTo1970;
-    std::tm expected = {};
-    gmtime_r(&seconds, &expected);
+    const std::tm* known = std::gmtime(&seconds);
+    if (known == nullptr) continue;
+    const std::tm expected = *known;
+    ++compared;
     const SYSTEMTIME time = host::CalendarOfMs(ticks / host::kTicksPerMs);
     ASSERT_EQ(Text(time), Text(At(expected.tm_year + 1900, expected.tm_mon + 1, expected.tm_mday, expected.tm_hour,
                                   expected.tm_min, expected.tm_sec)));
@@ -168,6 +171,7 @@ TEST(Calendar, AgreesWithTheMachinesLibraryOnAnyMoment) {
       ASSERT_EQ(host::MsOfCalendar(time), ticks / host::kTicksPerMs);
     }
   }
+  EXPECT_GT(compared, 5000);
 }
 
 TEST(Calendar, KnowsTheLengthOfEveryMonth) {
