@@ -19,6 +19,8 @@
 #ifndef QXCOMMMGR_H
 #define QXCOMMMGR_H
 
+#include <stddef.h> /* wchar_t */
+
 #ifdef __cplusplus
 extern "C" {
 #endif

@@ -13,16 +13,9 @@ void Expect(DWORD error) {
   if (error != ERROR_SUCCESS) throw std::runtime_error("registry: cannot be kept: error " + std::to_string(error));
 }
 
-bool NoRoom(int error) {
-#ifdef EDQUOT  // not every machine gives its users shares of the disk
-  if (error == EDQUOT) return true;
-#endif
-  return error == ENOSPC;
-}
-
 DWORD ErrorCode(int error) {
   if (error == 0) return ERROR_SUCCESS;
-  return NoRoom(error) ? ERROR_DISK_FULL : ERROR_REGISTRY_IO_FAILED;
+  return error == ENOSPC ? ERROR_DISK_FULL : ERROR_REGISTRY_IO_FAILED;
 }
 
 }  // namespace

@@ -17,9 +17,12 @@ target_link_libraries(qxinstrument INTERFACE qxhost)
 foreach(library libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
     OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
-  file(REAL_PATH ${path} path)
-  configure_file(${path} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${library} COPYONLY)
+  set(copy ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${library})
+  add_custom_command(OUTPUT ${copy} COMMAND ${CMAKE_STRIP} --strip-debug -o ${copy} ${path} DEPENDS ${path})
+  list(APPEND runtime_libraries ${copy})
 endforeach()
+add_custom_target(qx_runtime DEPENDS ${runtime_libraries})
+add_dependencies(qxhost qx_runtime)
 
 # qx_forwarder(target name def): name.dll, which holds nothing but forwarders.
 function(qx_forwarder target name def)

@@ -235,15 +235,17 @@ std::vector<Step> ReadConversation(const std::string& path) {
   return steps;
 }
 
-std::vector<std::vector<Step>> ReadDocumented(const std::string& path) {
-  std::vector<std::vector<Step>> conversations;
+std::vector<Documented> ReadDocumented(const std::string& path) {
+  std::vector<Documented> conversations;
+  std::string title;
   bool inside = false;
   int number = 0;
   for (const std::string& line : ReadLines(path)) {
     ++number;
     const bool begins = line == "```conversation";
-    if (begins) conversations.emplace_back();
-    if (inside && line != "```") conversations.back().push_back(ParseStep(line, number));
+    if (!inside && line.rfind("## ", 0) == 0) title = line.substr(3);
+    if (begins) conversations.push_back({title, {}});
+    if (inside && line != "```") conversations.back().steps.push_back(ParseStep(line, number));
     inside = begins || (inside && line != "```");
   }
   return conversations;

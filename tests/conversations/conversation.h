@@ -39,8 +39,14 @@ struct Step {
 };
 
 std::vector<Step> ReadConversation(const std::string& path);
+
+struct Documented {
+  std::string title;  // the heading it stands under
+  std::vector<Step> steps;
+};
+
 /// The conversations in a document: its code blocks marked "conversation".
-std::vector<std::vector<Step>> ReadDocumented(const std::string& path);
+std::vector<Documented> ReadDocumented(const std::string& path);
 
 /// Runs the steps; returns what went otherwise than written, with its line, or nothing.
 std::string RunConversation(const std::vector<Step>& steps, Controller& controller, Surroundings& world);

@@ -1,8 +1,10 @@
 // Every conversation runs twice: on a simulator in this process, and on qxsim itself over its line and its HTTP face.
+// QX_QXSIM names another qxsim for the latter.
 #include "conversations/conversation.h"
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
@@ -10,6 +12,13 @@
 #include "qxsim/simulator.h"
 #include "support/process.h"
 #include "support/qxsim_process.h"
+
+namespace qxtest {
+
+// How a test's parameter is shown.
+static void PrintTo(const Documented& documented, std::ostream* out) { *out << documented.title; }
+
+}  // namespace qxtest
 
 namespace {
 
@@ -56,17 +65,21 @@ class OverTheLine : public Surroundings {
 };
 
 template <class Where>
-void Hold(const std::string& path) {
+std::string Outcome(const std::vector<qxtest::Step>& steps) {
   Where world;
   Controller controller(world.port());
-  EXPECT_EQ(qxtest::RunConversation(qxtest::ReadConversation(path), controller, world), "") << path;
+  return qxtest::RunConversation(steps, controller, world);
 }
 
 class Conversation : public testing::TestWithParam<std::string> {};
 
-TEST_P(Conversation, HoldsInProcess) { Hold<InProcess>(GetParam()); }
+TEST_P(Conversation, HoldsInProcess) {
+  EXPECT_EQ(Outcome<InProcess>(qxtest::ReadConversation(GetParam())), "") << GetParam();
+}
 
-TEST_P(Conversation, HoldsOverTheLine) { Hold<OverTheLine>(GetParam()); }
+TEST_P(Conversation, HoldsOverTheLine) {
+  EXPECT_EQ(Outcome<OverTheLine>(qxtest::ReadConversation(GetParam())), "") << GetParam();
+}
 
 std::vector<std::string> Files() {
   std::vector<std::string> files;
@@ -80,16 +93,29 @@ std::string Name(const testing::TestParamInfo<std::string>& info) { return std::
 
 INSTANTIATE_TEST_SUITE_P(Files, Conversation, testing::ValuesIn(Files()), Name);
 
-TEST(DocumentedExchanges, HoldAsTheyStandInTheCommandsPage) {
-  const std::string page = std::string(QX_TEST_DATA) + "/../docs/commands.md";
-  const auto conversations = qxtest::ReadDocumented(page);
-  EXPECT_GE(conversations.size(), 1u);
-  for (const auto& steps : conversations) {
-    InProcess world;
-    Controller controller(world.port());
-    EXPECT_EQ(qxtest::RunConversation(steps, controller, world), "") << page;
-  }
+// The exchanges of the commands page, as they stand there.
+class DocumentedExchange : public testing::TestWithParam<qxtest::Documented> {};
+
+TEST_P(DocumentedExchange, HoldsInProcess) { EXPECT_EQ(Outcome<InProcess>(GetParam().steps), "") << GetParam().title; }
+
+TEST_P(DocumentedExchange, HoldsOverTheLine) {
+  EXPECT_EQ(Outcome<OverTheLine>(GetParam().steps), "") << GetParam().title;
 }
+
+std::string Title(const testing::TestParamInfo<qxtest::Documented>& info) {
+  std::string name = std::to_string(info.index + 1);
+  bool parted = true;
+  for (const char letter : info.param.title) {
+    const bool shown = std::isalnum(static_cast<unsigned char>(letter)) != 0;
+    if (shown) name += (parted ? "_" : "") + std::string(1, letter);
+    parted = !shown;
+  }
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(CommandsPage, DocumentedExchange,
+                         testing::ValuesIn(qxtest::ReadDocumented(std::string(QX_TEST_DATA) + "/../docs/commands.md")),
+                         Title);
 
 TEST(ConversationRunner, SaysWhatWentOtherwiseAndWhere) {
   InProcess world;

@@ -45,17 +45,33 @@ TEST(SharedMemory, UnnamedBlocksAreTheirOwn) {
   UnmapViewOfFile(other);
 }
 
-TEST(SharedMemory, ViewKeepsTheBlockWhenItsHandleIsClosed) {
+TEST(SharedMemory, ViewKeepsTheBytesWhenTheHandleIsClosed) {
   Handle block = Block(TEXT("QX-TEST.block"), 64);
   char* view = View(block);
   view[5] = 'x';
   block.Close();
-  Handle again = Block(TEXT("QX-TEST.block"), 64);
+  EXPECT_EQ(view[5], 'x');
+  view[63] = 'y';
+  EXPECT_EQ(view[63], 'y');
+  EXPECT_NE(UnmapViewOfFile(view), FALSE);
+}
+
+TEST(SharedMemory, NameGoesWithTheLastHandleWhateverViewsThereAre) {
+  Handle block = Block(TEXT("QX-TEST.block"), 64), second = Block(TEXT("QX-TEST.block"), 64);
+  char* view = View(block);
+  view[5] = 'x';
+  block.Close();
+  EXPECT_NE(Block(TEXT("QX-TEST.block"), 64), nullptr);
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ALREADY_EXISTS));
-  UnmapViewOfFile(view);
-  char* other = View(again);
-  EXPECT_EQ(other[5], 'x');
+  second.Close();
+  const Handle fresh = Block(TEXT("QX-TEST.block"), 64);
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SUCCESS));
+  char* other = View(fresh);
+  EXPECT_EQ(other[5], 0);
+  other[5] = 'z';
+  EXPECT_EQ(view[5], 'x');
   UnmapViewOfFile(other);
+  UnmapViewOfFile(view);
 }
 
 TEST(SharedMemory, IsGoneWithItsLastHandleAndView) {

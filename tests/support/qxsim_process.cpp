@@ -1,6 +1,7 @@
 #include "support/qxsim_process.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <stdexcept>
 
 namespace qxtest {
@@ -18,8 +19,13 @@ std::string Value(const std::string& line, const std::string& name) {
 
 }  // namespace
 
+std::string QxsimProgram() {
+  const char* program = std::getenv("QX_QXSIM");
+  return program == nullptr || *program == '\0' ? Program("qxsim") : program;
+}
+
 QxsimProcess::QxsimProcess(const std::vector<std::string>& options, bool ephemeral) {
-  std::vector<std::string> arguments = {Program("qxsim"), "--link", folder_ / "line", "--http", "127.0.0.1:0"};
+  std::vector<std::string> arguments = {QxsimProgram(), "--link", folder_ / "line", "--http", "127.0.0.1:0"};
   if (ephemeral) {
     arguments.push_back("--ephemeral");
   } else {

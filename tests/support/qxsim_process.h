@@ -11,6 +11,10 @@
 
 namespace qxtest {
 
+/// The qxsim that is tested: the one of this build, or another with the same command line (an absolute path), which the
+/// variable QX_QXSIM names.
+std::string QxsimProgram();
+
 class QxsimProcess {
  public:
   /// Starts qxsim with an ephemeral home, a link and an HTTP port of its own, and waits for its ready line.

@@ -2,8 +2,8 @@
 """Checks that src/ calls nothing that Windows CE does not offer.
 
 Two ways: in the sources, every platform call that src/ makes (any call that the host's <windows.h> or
-platform/windows_api.h declares); and, with --library, every undefined symbol of the library as the Windows compiler
-built it. Names on offer are those of coredll_exports.txt and the instrument's own libraries.
+platform/windows_api.h declares); and, with --objects, every undefined symbol of the library's objects as the Windows
+compiler built them. Names on offer are those of coredll_exports.txt and the instrument's own libraries.
 """
 import re
 import subprocess
@@ -87,14 +87,15 @@ def symbol_problems(symbols, exports):
     return problems, imports
 
 
-def undefined_symbols(library, prefix="x86_64-w64-mingw32-"):
-    """The symbols that the library needs and does not define itself, readable."""
-    listing = subprocess.run([prefix + "nm", "-P", str(library)], check=True, capture_output=True, text=True).stdout
+def undefined_symbols(objects, prefix="x86_64-w64-mingw32-"):
+    """The symbols that these objects and archives need and do not define themselves, readable."""
+    listing = subprocess.run([prefix + "nm", "-P", *map(str, objects)], check=True, capture_output=True,
+                             text=True).stdout
     rows = [line.split() for line in listing.splitlines()]
     rows = [row for row in rows if len(row) >= 2 and not row[0].endswith("]:")]
     undefined = {row[0] for row in rows if row[1] in "Uwv"} - {row[0] for row in rows if row[1] not in "Uwv"}
     if not rows:
-        raise SystemExit(f"{library} holds no symbols")
+        raise SystemExit("no symbols found in " + " ".join(map(str, objects)))
     names = "\n".join(sorted(undefined))
     return set(subprocess.run([prefix + "c++filt"], input=names, check=True, capture_output=True,
                               text=True).stdout.split("\n")) - {""}
@@ -106,17 +107,17 @@ def check(root):
     return problems, f"ce names: {calls} platform calls in the sources, {len(problems)} problems"
 
 
-def check_library(library):
+def check_objects(objects):
     exports = set(EXPORTS.read_text().split())
-    problems, imports = symbol_problems(undefined_symbols(library), exports)
+    problems, imports = symbol_problems(undefined_symbols(objects), exports)
     if not imports:
-        problems.append(f"{library}: imports nothing: is it the library?")
-    return problems, f"ce names: {imports} platform imports of {Path(library).name}, {len(problems)} problems"
+        problems.append("nothing is imported: are these the library's objects?")
+    return problems, f"ce names: {imports} platform imports of the library's objects, {len(problems)} problems"
 
 
 if __name__ == "__main__":
-    if len(sys.argv) == 3 and sys.argv[1] == "--library":
-        found, summary = check_library(sys.argv[2])
+    if len(sys.argv) >= 3 and sys.argv[1] == "--objects":
+        found, summary = check_objects(sys.argv[2:])
         print("\n".join(found + [summary]))
         sys.exit(1 if found else 0)
     tree.report(check)

@@ -1,12 +1,5 @@
 #include "qxsim/home.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
-#include <cstdlib>
-#include <cstring>
-
 #include "qxsim/start_error.h"
 
 namespace qxsim {
@@ -14,25 +7,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path MakeTemporary() {
-  std::error_code error;
-  fs::path folder = fs::temp_directory_path(error);
-  if (error) folder = "/tmp";
-  std::string pattern = (folder / "qxsim-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) throw StartError("home: " + pattern + ": " + std::strerror(errno));
-  return pattern;
-}
-
-fs::path StandardHome() {
-  if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data == '/') return fs::path(data) / "qxsim";
-  if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0')
-    return fs::path(home) / ".local/share/qxsim";
-  throw StartError("home: neither XDG_DATA_HOME nor HOME is set; say --home");
-}
-
 fs::path Choose(const Options& options) {
-  if (options.ephemeral) return MakeTemporary();
-  return fs::absolute(options.home.empty() ? StandardHome() : fs::path(options.home)).lexically_normal();
+  if (options.ephemeral) return MakeTemporaryFolder();
+  const fs::path home = options.home.empty() ? UserDataFolder() / "qxsim" : fs::path(options.home);
+  return fs::absolute(home).lexically_normal();
 }
 
 }  // namespace
@@ -40,7 +18,7 @@ fs::path Choose(const Options& options) {
 Home::Home(const Options& options) : path_(Choose(options)), ephemeral_(options.ephemeral) {
   try {
     Prepare();
-    Lock();
+    lock_ = FolderLock::Take(path_ / "lock");
   } catch (...) {
     Leave();
     throw;
@@ -56,18 +34,10 @@ void Home::Prepare() {
   if (error) throw StartError("home: " + path_.string() + ": " + error.message());
 }
 
-void Home::Lock() {
-  const std::string file = (path_ / "lock").string();
-  lock_ = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-  if (lock_ < 0) throw StartError("home: " + file + ": " + std::strerror(errno));
-  if (flock(lock_, LOCK_EX | LOCK_NB) == 0) return;
-  throw StartError("home: " + path_.string() + ": in use by another qxsim");
-}
-
 void Home::Leave() {
+  lock_.reset();
   std::error_code ignored;
   if (ephemeral_) fs::remove_all(path_, ignored);
-  if (lock_ >= 0) close(lock_);
 }
 
 }  // namespace qxsim

@@ -8,8 +8,10 @@
 #define QXSIM_HOME_H
 
 #include <filesystem>
+#include <memory>
 
 #include "qxsim/options.h"
+#include "qxsim/system/folders.h"
 
 namespace qxsim {
 
@@ -29,12 +31,11 @@ class Home {
 
  private:
   void Prepare();
-  void Lock();
   void Leave();
 
   std::filesystem::path path_;
   const bool ephemeral_;
-  int lock_ = -1;
+  std::unique_ptr<FolderLock> lock_;
 };
 
 }  // namespace qxsim

@@ -1,23 +1,16 @@
 #include "qxsim/lines.h"
 
-#include <filesystem>
-
 #include "common/ports/ports.h"
+#include "qxsim/start_error.h"
 
 namespace qxsim {
 
 Lines::Lines(const Options& options) {
   const std::string other = options.port == "COM5:" ? "COMBT:" : "COM5:";
   try {
-    if (options.device.empty()) {
-      AddPty(options.port, options.link);
-      path_ = links_.front()->path();
-    } else {
-      path_ = std::filesystem::absolute(options.device).lexically_normal();
-      host::AttachDevice(options.port, path_);
-      ports_.push_back(options.port);
-    }
-    AddPty(other, SecondLink(options.link));
+    path_ = Add(options.port, options.device, options.link);
+    if (path_.empty()) throw StartError("port: this machine has no ptys; say --device");
+    Add(other, options.device_2, SecondLink(options.link));
   } catch (...) {
     Leave();
     throw;
@@ -26,15 +19,22 @@ Lines::Lines(const Options& options) {
 
 Lines::~Lines() { Leave(); }
 
-void Lines::AddPty(const std::string& port, const std::string& link) {
-  const std::string controller_end = host::AttachPty(port);
-  ports_.push_back(port);
-  links_.push_back(std::make_unique<Link>(link, controller_end));
+std::string Lines::Add(const std::string& port, const std::string& device, const std::string& link) {
+  if (!device.empty()) {
+    const std::string name = DeviceName(device);
+    host::AttachDevice(port, name);
+    devices_.push_back(port);
+    return name;
+  }
+  std::unique_ptr<OwnLine> line = MakeOwnLine(port, link);
+  if (line == nullptr) return {};
+  own_lines_.push_back(std::move(line));
+  return own_lines_.back()->path();
 }
 
 void Lines::Leave() {
-  links_.clear();
-  for (const std::string& port : ports_) host::DetachPort(port);
+  own_lines_.clear();
+  for (const std::string& port : devices_) host::DetachPort(port);
 }
 
 }  // namespace qxsim

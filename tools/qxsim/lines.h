@@ -6,12 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "qxsim/link.h"
 #include "qxsim/options.h"
+#include "qxsim/system/serial_lines.h"
 
 namespace qxsim {
 
-/// Both exist from the start, so that a controller can be there before the second port is opened.
+/// Both exist from the start, so that a controller can be there before the second port is opened. Where the machine has
+/// no ptys a line leads to the device it was given; the second one leads nowhere without.
 class Lines {
  public:
   /// Throws StartError or std::system_error.
@@ -24,11 +25,11 @@ class Lines {
   const std::string& path() const { return path_; }
 
  private:
-  void AddPty(const std::string& port, const std::string& link);
+  std::string Add(const std::string& port, const std::string& device, const std::string& link);
   void Leave();
 
-  std::vector<std::string> ports_;
-  std::vector<std::unique_ptr<Link>> links_;
+  std::vector<std::string> devices_;  // ports that lead to a device
+  std::vector<std::unique_ptr<OwnLine>> own_lines_;
   std::string path_;
 };
 

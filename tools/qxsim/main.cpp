@@ -1,33 +1,15 @@
-// qxsim: starts the virtual instrument, says where it is, and runs it until SIGINT or SIGTERM.
-#include <csignal>
+// qxsim: starts the virtual instrument, says where it is, and runs it until the user ends it.
 #include <cstdio>
 #include <iostream>
 
 #include "qxsim/http/http_server.h"
 #include "qxsim/options.h"
 #include "qxsim/simulator.h"
+#include "qxsim/system/program.h"
 
 namespace {
 
-/// False when whoever started the program wants it to outlive the terminal.
-bool EndsWithTheTerminal() {
-  struct sigaction hang_up = {};
-  sigaction(SIGHUP, nullptr, &hang_up);
-  return hang_up.sa_handler != SIG_IGN;
-}
-
-/// Blocks the signals that end the program, for this thread and those it starts.
-sigset_t BlockEndSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  for (const int signal : {SIGINT, SIGTERM}) sigaddset(&signals, signal);
-  if (EndsWithTheTerminal()) sigaddset(&signals, SIGHUP);
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  std::signal(SIGPIPE, SIG_IGN);
-  return signals;
-}
-
-void Run(const qxsim::Options& options, const sigset_t& end_signals) {
+void Run(const qxsim::Options& options, qxsim::EndRequest& end) {
   qxsim::Simulator simulator(options);
   std::optional<qxsim::HttpServer> server;
   if (options.http) {
@@ -37,22 +19,30 @@ void Run(const qxsim::Options& options, const sigset_t& end_signals) {
   }
   std::printf("qxsim ready port=%s http=%s\n", simulator.port_path().c_str(), server ? server->Url().c_str() : "off");
   std::fflush(stdout);
-  int signal = 0;
-  while (sigwait(&end_signals, &signal) != 0) {
-  }
+  end.Wait();
   // Requests under way may wait for a service: it closes first.
   if (server) server->Stop();
   simulator.Close();
 }
 
+std::vector<const char*> Pointers(const std::vector<std::string>& texts) {
+  std::vector<const char*> pointers;
+  for (const std::string& text : texts) pointers.push_back(text.c_str());
+  return pointers;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  const sigset_t end_signals = BlockEndSignals();
+  qxsim::EndRequest end;
+  const std::vector<std::string> arguments = qxsim::ProgramArguments(argc, argv);
+  const std::vector<const char*> pointers = Pointers(arguments);
   qxsim::Options options;
-  if (const auto status = qxsim::ParseOptions(argc, argv, &options, std::cout, std::cerr)) return *status;
+  const auto status =
+      qxsim::ParseOptions(static_cast<int>(pointers.size()), pointers.data(), &options, std::cout, std::cerr);
+  if (status) return *status;
   try {
-    Run(options, end_signals);
+    Run(options, end);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "qxsim: %s\n", error.what());
     return qxsim::kExitStart;

@@ -53,6 +53,7 @@ struct RawTexts {
 void Declare(CLI::App& app, Options* options, RawTexts* raw) {
   app.add_option("--port", raw->port, "COM5: (default) or COMBT:");
   app.add_option("--device", options->device, "use this serial device instead of making a pty");
+  app.add_option("--device-2", options->device_2, "the same for the other port");
   app.add_option("--link", options->link, "symbolic link to the controller's end of the pty (default ./qx-com5)");
   app.add_option("--home", options->home, "the instrument's files and state (default $XDG_DATA_HOME/qxsim)");
   app.add_flag("--ephemeral", options->ephemeral, "start from the defaults in a temporary home, leave nothing behind");
@@ -72,7 +73,7 @@ void Take(const CLI::App& app, const RawTexts& raw, Options* options) {
   if (options->port.empty()) throw CLI::ValidationError("--port", "COM5: or COMBT: expected, not " + raw.port);
   options->http.reset();
   if (raw.http != "off") options->http = ReadHttpAddress(raw.http);
-  for (const char* name : {"--device", "--link", "--home", "--trace"}) {
+  for (const char* name : {"--device", "--device-2", "--link", "--home", "--trace"}) {
     const auto* option = app.get_option(name);
     if (option->count() > 0 && option->as<std::string>().empty()) throw CLI::ValidationError(name, "empty");
   }
@@ -86,6 +87,7 @@ std::optional<int> ParseOptions(int argc, const char* const* argv, Options* opti
   CLI::App app("The virtual instrument: a serial line with the communication service on it.", "qxsim");
   RawTexts raw;
   Declare(app, options, &raw);
+  app.allow_windows_style_options(false);  // a path may begin with a slash
   try {
     app.parse(argc, argv);
     Take(app, raw, options);

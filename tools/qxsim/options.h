@@ -17,6 +17,7 @@ struct HttpAddress {
 struct Options {
   std::string port = "COM5:";      ///< the port the service is opened on: "COM5:" or "COMBT:"
   std::string device;              ///< a serial device in place of a pty; empty = a pty
+  std::string device_2;            ///< the same for the other port
   std::string link = "./qx-com5";  ///< symbolic link to the controller's end of the first pty
   std::string home;                ///< the instrument's folder; empty = the user's default
   bool ephemeral = false;          ///< a temporary home, removed at the end

@@ -1,7 +1,6 @@
 // What the instrument keeps when it is switched off: sections of the state in one readable JSON file.
 //
-// The file is replaced as a whole: written beside the old one, forced to the disk, then renamed over it. Killed at any
-// moment, the simulator leaves the old state or the new one.
+// The file is replaced as a whole: killed at any moment, the simulator leaves the old state or the new one.
 #ifndef QXSIM_PERSISTENT_STATE_H
 #define QXSIM_PERSISTENT_STATE_H
 
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "instrument/state.h"
+#include "qxsim/system/files.h"
 
 namespace qxsim {
 
@@ -23,7 +23,7 @@ using host::instrument::Json;
 class PersistentState {
  public:
   /// Reads the file, if there is one. Throws StartError, and leaves the file alone, when it is damaged or not ours.
-  explicit PersistentState(std::filesystem::path file);
+  explicit PersistentState(const std::filesystem::path& file);
 
   /// Restores the section from the file, or leaves it as it is when the file knows nothing of it. Throws StartError
   /// when the file holds what the section does not take.
@@ -45,13 +45,11 @@ class PersistentState {
   };
 
   void Take(const nlohmann::json& document);
-  int Write(const std::string& text) const;
   std::string FileText(const Section* changed, const std::string& changed_text) const;
 
-  const std::filesystem::path file_;
-  const std::filesystem::path new_file_;  // the next file, while it is written
-  std::map<std::string, Json> read_;      // sections of the file that nobody has added yet
-  std::string read_text_;                 // the file as it was read
+  const KeptFile file_;
+  std::map<std::string, Json> read_;  // sections of the file that nobody has added yet
+  std::string read_text_;             // the file as it was read
   std::mutex mutex_;
   std::vector<Section> sections_;  // guarded by mutex_; what the file holds, in its order
 };

@@ -36,8 +36,8 @@ void UseObjects(const std::string& folder) {
 
 Simulator::Platform::Platform(Simulator& simulator) {
   const Options& options = simulator.options_;
-  UseObjects(simulator.home_.objects());
-  host::SetFileRoot(simulator.home_.files());
+  UseObjects(simulator.home_.objects().string());
+  host::SetFileRoot(simulator.home_.files().string());
   host::SetProgramLookup(host::LookUpProgramFile);
   host::SetAnsiCodePage(options.code_page);
   host::PacePorts(options.pace);

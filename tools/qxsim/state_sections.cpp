@@ -2,7 +2,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "api/diagnostics.h"
 #include "common/kernel/handles.h"
 #include "common/ports/ports.h"
 #include "instrument/clock_section.h"
@@ -13,6 +12,7 @@
 #include "instrument/registry_section.h"
 #include "instrument/stored_sections.h"
 #include "instrument/time_zones.h"
+#include "qxsim/system/library.h"
 
 namespace qxsim {
 namespace {
@@ -39,11 +39,17 @@ std::vector<Field> EventWindowFields(Application& application) {
           ReadOnlyField("subclassed", [&application] { return Json(application.Subclassed()); }), called};
 }
 
+/// Null where nobody tells.
+Json QueuedCommandsJson() {
+  const auto queued = QueuedCommands();
+  return queued ? Json(*queued) : Json();
+}
+
 std::vector<Field> ResourceFields(Application& application) {
   return {ReadOnlyField("handles", [] { return Json(host::LibraryHandles()); }),
           ReadOnlyField("threads", [] { return Json(host::LibraryThreads()); }),
           ReadOnlyField("services", [&application] { return Json(application.services().Open()); }),
-          ReadOnlyField("queued_commands", [] { return Json(qxcm::QueuedCommands()); })};
+          ReadOnlyField("queued_commands", QueuedCommandsJson)};
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "qxsim/start_error.h"
+#include "qxsim/system/files.h"
 
 namespace qxsim {
 namespace {
@@ -64,7 +65,7 @@ std::string TraceLine(const Notification& notification) {
 }
 
 Trace::Trace(const std::string& file) {
-  file_ = file == "-" ? stderr : std::fopen(file.c_str(), "we");
+  file_ = file == "-" ? stderr : OpenTextFile(std::filesystem::u8path(file));
   if (file_ == nullptr) throw StartError("trace: " + file + ": " + std::strerror(errno));
 }
 

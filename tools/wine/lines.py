@@ -45,6 +45,16 @@ class Port:
         os.close(self._lock)
 
 
+class Tty:
+    """An end without a name of its own."""
+
+    def __init__(self, tty_name):
+        self.name = tty_name
+
+    def close(self):
+        pass
+
+
 class Link:
     """A symbolic link to a tty."""
 
@@ -77,6 +87,8 @@ def take_name(prefix, end, target):
         return take_port(prefix, target)
     if end.upper().startswith("COM") and end[3:].isdigit():
         return Port(prefix, int(end[3:]), target)
+    if end == "TTY":
+        return Tty(target)
     return Link(Path(end).absolute(), target)
 
 

@@ -1,6 +1,6 @@
 /* A pty has no modem lines, and the ioctls that ask for them fail: a serial wait under Wine would end at once, without
- * an event. Preloaded (LD_PRELOAD), this answers those ioctls as a line does on which nothing ever changes. An answer of
- * the device itself, and any other failure (a line that has hung up), is passed on as it is.
+ * an event. Preloaded (LD_PRELOAD), this answers those ioctls as a line does on which nothing ever changes. An answer
+ * of the device itself, and any other failure (a line that has hung up), is passed on as it is.
  */
 #define _GNU_SOURCE
 #include <dlfcn.h>
@@ -10,17 +10,17 @@
 #include <string.h>
 #include <sys/ioctl.h>
 
-typedef int (*ioctl_call)(int, unsigned long, void *);
+typedef int (*ioctl_call)(int, unsigned long, void*);
 
 static int has_no_such_call(void) { return errno == ENOTTY || errno == EINVAL; }
 
 int ioctl(int fd, unsigned long request, ...) {
   static ioctl_call real;
   va_list arguments;
-  void *argument;
+  void* argument;
   int result;
   va_start(arguments, request);
-  argument = va_arg(arguments, void *);
+  argument = va_arg(arguments, void*);
   va_end(arguments);
   if (!real) real = (ioctl_call)dlsym(RTLD_NEXT, "ioctl");
   result = real(fd, request, argument);
@@ -31,7 +31,7 @@ int ioctl(int fd, unsigned long request, ...) {
       return 0;
     case TIOCMGET:
     case TIOCSERGETLSR:
-      *(int *)argument = 0;
+      *(int*)argument = 0;
       return 0;
     case TIOCMSET:
     case TIOCMBIS:

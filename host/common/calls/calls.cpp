@@ -61,11 +61,6 @@ double MillisecondsSinceStart() { return std::chrono::duration<double, std::mill
 
 std::atomic<unsigned> internal::watch{0};
 
-unsigned& internal::CallDepth() {
-  thread_local unsigned depth = 0;
-  return depth;
-}
-
 bool InLibraryCall() { return internal::CallDepth() != 0; }
 
 void EnableCallLog(bool on) {

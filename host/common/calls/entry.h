@@ -93,7 +93,7 @@ constexpr unsigned kFaultsSet = 1;
 constexpr unsigned kListing = 2;
 extern std::atomic<unsigned> watch;
 
-/// How many of the library's calls the calling thread is inside of.
+/// How many of the library's calls the calling thread is inside of. The last error stays as it is.
 unsigned& CallDepth();
 
 class InsideCall {

@@ -13,7 +13,8 @@ namespace host {
 HANDLE CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES security, DWORD protect, DWORD size_high, DWORD size_low,
                           LPCWSTR name);
 
-/// The address of the whole block, 64-byte aligned. The view keeps the block when the handle is closed. Null: last
+/// The address of the whole block, 64-byte aligned. The view keeps the block when the handle is closed; its
+/// name goes with the last handle. Null: last
 /// error 5 (more bytes than the block has room for), 6 (no block), 87 (an offset).
 LPVOID MapViewOfFile(HANDLE mapping, DWORD access, DWORD offset_high, DWORD offset_low, SIZE_T bytes);
 

@@ -49,12 +49,20 @@ std::unique_ptr<NamedObject> NamedObject::Open(LPCWSTR text, ObjectKind kind, co
 
 NamedObject::NamedObject(std::shared_ptr<ObjectNamespace> space, ObjectSlot& slot)
     : space_(std::move(space)), slot_(slot) {
-  space_->Hold(slot_);
+  space_->Open(slot_);
+}
+
+void NamedObject::CloseHandle() {
+  KernelLock lock;
+  NamespaceLock space_lock(lock, *space_);
+  space_->Close(slot_);
+  open_ = false;
 }
 
 NamedObject::~NamedObject() {
   KernelLock lock;
   NamespaceLock space_lock(lock, *space_);
+  if (open_) space_->Close(slot_);
   space_->Release(slot_);
 }
 

@@ -11,7 +11,8 @@
 
 namespace host {
 
-/// Holds a named object; the last hold of all processes to go takes the object with it.
+/// Holds a named object; the last hold of all processes to go takes the object with it. Its name goes before it, with
+/// the last handle.
 class NamedObject {
  public:
   /// Opens the object of that name, or makes it with what `fill` puts into its empty slot. Sets the last error: 183
@@ -24,6 +25,9 @@ class NamedObject {
   NamedObject& operator=(const NamedObject&) = delete;
   ~NamedObject();
 
+  /// The object is kept, but no longer by a handle.
+  void CloseHandle();
+
   ObjectNamespace& space() const { return *space_; }
   /// Its state is guarded by both locks.
   ObjectSlot& slot() const { return slot_; }
@@ -31,6 +35,7 @@ class NamedObject {
  private:
   const std::shared_ptr<ObjectNamespace> space_;
   ObjectSlot& slot_;
+  bool open_ = true;  // by a handle
 };
 
 /// Calls `action` with the kernel lock and, when `named` is not null, its namespace's lock held; a change it makes to

@@ -101,7 +101,7 @@ std::vector<NamedMutexState> NamedMutexes() {
   NamespaceLock space_lock(kernel_lock, *space);
   space->Sweep();
   for (const ObjectSlot& slot : space->file().slots) {
-    if (slot.holders == 0 || slot.kind != ObjectKind::kMutex) continue;
+    if (slot.openers == 0 || slot.kind != ObjectKind::kMutex) continue;
     states.push_back({WideToUtf8({slot.name, slot.name_length}), HolderOf(slot.mutex, *space)});
   }
   return states;

@@ -14,7 +14,7 @@
 namespace host {
 namespace {
 
-constexpr std::uint32_t kFormat = 0x51584F31;  // changes with the layout
+constexpr std::uint32_t kFormat = 0x51584F32;  // changes with the layout
 
 [[noreturn]] void Throw(int error, const std::string& path) {
   throw std::system_error(error, std::generic_category(), path);

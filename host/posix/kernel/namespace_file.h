@@ -35,6 +35,7 @@ struct ObjectSlot {
   ObjectKind kind;  // written last when the slot is filled
   std::uint32_t block_size;
   std::uint64_t holders;  // bit n: the process of entry n; 0: the slot is free
+  std::uint64_t openers;  // those of them that have a handle; 0: nobody finds the name
   std::uint32_t name_length;
   char16_t name[kLongestName];
   EventState event;

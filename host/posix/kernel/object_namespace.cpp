@@ -42,11 +42,11 @@ void ObjectNamespace::WakeAll() {
 
 ObjectSlot* ObjectNamespace::Find(std::u16string_view name) {
   const auto named = [&](const ObjectSlot& slot) {
-    return slot.holders != 0 && std::u16string_view(slot.name, slot.name_length) == name;
+    return slot.openers != 0 && std::u16string_view(slot.name, slot.name_length) == name;
   };
   const auto find = [&] { return std::find_if(std::begin(file_->slots), std::end(file_->slots), named); };
   ObjectSlot* slot = find();
-  if (slot != std::end(file_->slots) && !HeldHere(*slot)) {  // its holders may all have died
+  if (slot != std::end(file_->slots) && !OpenHere(*slot)) {  // its openers may all have died
     Sweep();
     slot = find();
   }
@@ -66,9 +66,15 @@ ObjectSlot* ObjectNamespace::FreeSlot() {
   return slot != std::end(file_->slots) ? new (slot) ObjectSlot{} : nullptr;
 }
 
-void ObjectNamespace::Hold(ObjectSlot& slot) {
+void ObjectNamespace::Open(ObjectSlot& slot) {
   ++holds_[&slot - file_->slots];
+  ++opens_[&slot - file_->slots];
   slot.holders |= std::uint64_t{1} << process_;
+  slot.openers |= std::uint64_t{1} << process_;
+}
+
+void ObjectNamespace::Close(ObjectSlot& slot) {
+  if (--opens_[&slot - file_->slots] == 0) slot.openers &= ~(std::uint64_t{1} << process_);
 }
 
 void ObjectNamespace::Release(ObjectSlot& slot) {
@@ -84,7 +90,10 @@ void ObjectNamespace::Sweep() {
     ProcessEntry& entry = file_->processes[i];
     if (i == process_ || entry.pid == 0 || ProcessStart(entry.pid) == entry.started) continue;
     AbandonMutexes(i + 1, 0);
-    for (ObjectSlot& slot : file_->slots) slot.holders &= ~(std::uint64_t{1} << i);
+    for (ObjectSlot& slot : file_->slots) {
+      slot.openers &= ~(std::uint64_t{1} << i);
+      slot.holders &= ~(std::uint64_t{1} << i);
+    }
     entry.pid = 0;
   }
 }

@@ -36,11 +36,13 @@ class ObjectNamespace {
   /// This process's number in MutexState; never 0.
   std::uint32_t process() const { return process_ + 1; }
   NamespaceFile& file() { return *file_; }
-  /// The object of that name, or null. An object that only dead processes held is gone.
+  /// The object of that name, or null: one that only dead processes held is gone, one that has no handle has no name.
   ObjectSlot* Find(std::u16string_view name);
   /// A fresh, unnamed slot, or null when all are in use.
   ObjectSlot* FreeSlot();
-  void Hold(ObjectSlot& slot);
+  /// A handle has been made for the object; it has gone; and what has been kept of the object since then has.
+  void Open(ObjectSlot& slot);
+  void Close(ObjectSlot& slot);
   void Release(ObjectSlot& slot);
   bool holds_any() const;
   /// Frees what dead processes have left behind: their objects and their mutexes.
@@ -51,12 +53,13 @@ class ObjectNamespace {
  private:
   friend class NamespaceLock;
   void EnterProcess();
-  bool HeldHere(const ObjectSlot& slot) const { return (slot.holders >> process_ & 1) != 0; }
+  bool OpenHere(const ObjectSlot& slot) const { return (slot.openers >> process_ & 1) != 0; }
 
   const std::string directory_;
   NamespaceFile* file_ = nullptr;
   std::uint32_t process_ = 0;            // this process's entry
   unsigned holds_[kMostNamedObjects]{};  // how many objects of this process refer to each slot
+  unsigned opens_[kMostNamedObjects]{};  // how many of them have a handle
   bool changed_ = false;                 // since the lock was taken
 };
 

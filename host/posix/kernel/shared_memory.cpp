@@ -14,21 +14,35 @@ namespace {
 
 constexpr DWORD kInvalidAddress = 487;
 
-class Mapping final : public KernelObject {
+// What the handle and the views keep together.
+class Block {
  public:
-  Mapping() : own_(std::make_unique<ObjectSlot>()) {}
-  explicit Mapping(std::unique_ptr<NamedObject> named) : named_(std::move(named)) {}
+  Block() : own_(std::make_unique<ObjectSlot>()) {}
+  explicit Block(std::unique_ptr<NamedObject> named) : named_(std::move(named)) {}
 
   void* memory() { return named_ != nullptr ? named_->slot().block : own_->block; }
+  void CloseHandle() {
+    if (named_ != nullptr) named_->CloseHandle();
+  }
 
  private:
   const std::unique_ptr<NamedObject> named_;
   const std::unique_ptr<ObjectSlot> own_;  // of an unnamed block
 };
 
+class Mapping final : public KernelObject {
+ public:
+  explicit Mapping(std::shared_ptr<Block> block) : block_(std::move(block)) {}
+  ~Mapping() override { block_->CloseHandle(); }
+  const std::shared_ptr<Block>& block() const { return block_; }
+
+ private:
+  const std::shared_ptr<Block> block_;
+};
+
 struct Views {
   std::mutex mutex;
-  std::multimap<const void*, std::shared_ptr<Mapping>> at;  // guarded by mutex
+  std::multimap<const void*, std::shared_ptr<Block>> at;  // guarded by mutex
 };
 
 Views& TheViews() {
@@ -49,10 +63,11 @@ HANDLE CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES, DWORD protect, DWO
                           LPCWSTR name) {
   SetLastError(CheckBlock(file, protect, size_high, size_low));
   if (GetLastError() != ERROR_SUCCESS) return nullptr;
-  if (name == nullptr || *name == 0) return InsertHandle(std::make_shared<Mapping>());
+  if (name == nullptr || *name == 0) return InsertHandle(std::make_shared<Mapping>(std::make_shared<Block>()));
   auto named =
       NamedObject::Open(name, ObjectKind::kBlock, [&](ObjectSlot& slot, const auto&) { slot.block_size = size_low; });
-  return named == nullptr ? nullptr : InsertHandle(std::make_shared<Mapping>(std::move(named)));
+  if (named == nullptr) return nullptr;
+  return InsertHandle(std::make_shared<Mapping>(std::make_shared<Block>(std::move(named))));
 }
 
 LPVOID MapViewOfFile(HANDLE handle, DWORD, DWORD offset_high, DWORD offset_low, SIZE_T bytes) {
@@ -62,17 +77,18 @@ LPVOID MapViewOfFile(HANDLE handle, DWORD, DWORD offset_high, DWORD offset_low, 
   if (bytes > kLargestBlock) return Fail(ERROR_ACCESS_DENIED, nullptr);
   Views& views = TheViews();
   const std::lock_guard<std::mutex> lock(views.mutex);
-  views.at.emplace(mapping->memory(), mapping);
-  return mapping->memory();
+  void* const memory = mapping->block()->memory();
+  views.at.emplace(memory, mapping->block());
+  return memory;
 }
 
 BOOL UnmapViewOfFile(LPCVOID address) {
-  std::shared_ptr<Mapping> mapping;  // ends after the lock has been released
+  std::shared_ptr<Block> block;  // ends after the lock has been released
   Views& views = TheViews();
   const std::lock_guard<std::mutex> lock(views.mutex);
   const auto view = views.at.find(address);
   if (view == views.at.end()) return Fail(kInvalidAddress, FALSE);
-  mapping = std::move(view->second);
+  block = std::move(view->second);
   views.at.erase(view);
   return TRUE;
 }

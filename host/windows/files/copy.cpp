@@ -1,12 +1,12 @@
 // CopyFileW.
 #include <algorithm>
 
-#include "common/calls/errors.h"
 #include "common/files/file_space.h"
 #include "common/files/files.h"
 #include "common/files/paths.h"
 #include "windows/disk/attributes.h"
 #include "windows/disk/places.h"
+#include "windows/kernel/last_error.h"
 
 namespace host {
 namespace {
@@ -76,8 +76,8 @@ DWORD CopyByPath(LPCWSTR source, LPCWSTR destination, bool overwrite) {
 }  // namespace
 
 BOOL CopyFileW(LPCWSTR source, LPCWSTR destination, BOOL fail_if_exists) {
-  const DWORD error = CopyByPath(source, destination, fail_if_exists == FALSE);
-  return error == ERROR_SUCCESS ? TRUE : Fail(error, FALSE);
+  const LastErrorBefore before;
+  return before.End(CopyByPath(source, destination, fail_if_exists == FALSE), TRUE, FALSE);
 }
 
 }  // namespace host

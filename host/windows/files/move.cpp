@@ -1,10 +1,10 @@
 // MoveFileW.
-#include "common/calls/errors.h"
 #include "common/files/file_space.h"
 #include "common/files/files.h"
 #include "common/files/paths.h"
 #include "windows/disk/places.h"
 #include "windows/files/open_paths.h"
+#include "windows/kernel/last_error.h"
 
 namespace host {
 namespace {
@@ -52,8 +52,8 @@ DWORD MoveByPath(LPCWSTR source, LPCWSTR destination) {
 }  // namespace
 
 BOOL MoveFileW(LPCWSTR source, LPCWSTR destination) {
-  const DWORD error = MoveByPath(source, destination);
-  return error == ERROR_SUCCESS ? TRUE : Fail(error, FALSE);
+  const LastErrorBefore before;
+  return before.End(MoveByPath(source, destination), TRUE, FALSE);
 }
 
 }  // namespace host

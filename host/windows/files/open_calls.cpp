@@ -7,6 +7,7 @@
 #include "windows/disk/attributes.h"
 #include "windows/disk/places.h"
 #include "windows/files/open_file.h"
+#include "windows/kernel/last_error.h"
 
 namespace host {
 namespace {
@@ -46,6 +47,7 @@ DWORD OpenAt(const Place& place, WideView path, const OpenRequest& request, Open
 }  // namespace
 
 std::shared_ptr<Stream> OpenFileByPath(LPCWSTR path, const OpenRequest& request) {
+  const LastErrorBefore before;
   Opened file;
   DWORD error = CheckOpenRequest(request);
   if (error != ERROR_SUCCESS) return Fail(error, file);
@@ -53,7 +55,7 @@ std::shared_ptr<Stream> OpenFileByPath(LPCWSTR path, const OpenRequest& request)
   Place place;
   error = Locate(PathText(path), &place);
   if (error == ERROR_SUCCESS) error = OpenAt(place, PathText(path), request, &file);
-  return error == ERROR_SUCCESS ? file : Fail(error, Opened());
+  return before.End(error, file, Opened());
 }
 
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distance_high, DWORD method) {

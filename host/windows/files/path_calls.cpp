@@ -1,15 +1,13 @@
 // Calls on one path: attributes, making and removing.
-#include "common/calls/errors.h"
 #include "common/files/file_space.h"
 #include "common/files/files.h"
 #include "common/files/paths.h"
 #include "windows/disk/attributes.h"
 #include "windows/disk/places.h"
+#include "windows/kernel/last_error.h"
 
 namespace host {
 namespace {
-
-BOOL Done(DWORD error) { return error == ERROR_SUCCESS ? TRUE : Fail(error, FALSE); }
 
 DWORD MakeFolder(LPCWSTR path) {
   const auto lock = LockNames();
@@ -51,14 +49,26 @@ DWORD RemoveFile(LPCWSTR path) {
 }  // namespace
 
 DWORD GetFileAttributesW(LPCWSTR path) {
+  const LastErrorBefore before;
   const auto lock = LockNames();
   Place place;
   const DWORD error = LocateExisting(PathText(path), &place);
-  return error == ERROR_SUCCESS ? InstrumentAttributes(place.entry.facts) : Fail(error, INVALID_FILE_ATTRIBUTES);
+  return before.End(error, InstrumentAttributes(place.entry.facts), INVALID_FILE_ATTRIBUTES);
 }
 
-BOOL CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES) { return Done(MakeFolder(path)); }
-BOOL RemoveDirectoryW(LPCWSTR path) { return Done(RemoveFolder(path)); }
-BOOL DeleteFileW(LPCWSTR path) { return Done(RemoveFile(path)); }
+BOOL CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES) {
+  const LastErrorBefore before;
+  return before.End(MakeFolder(path), TRUE, FALSE);
+}
+
+BOOL RemoveDirectoryW(LPCWSTR path) {
+  const LastErrorBefore before;
+  return before.End(RemoveFolder(path), TRUE, FALSE);
+}
+
+BOOL DeleteFileW(LPCWSTR path) {
+  const LastErrorBefore before;
+  return before.End(RemoveFile(path), TRUE, FALSE);
+}
 
 }  // namespace host

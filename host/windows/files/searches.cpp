@@ -13,6 +13,7 @@
 #include "common/kernel/handles.h"
 #include "windows/disk/attributes.h"
 #include "windows/disk/places.h"
+#include "windows/kernel/last_error.h"
 
 namespace host {
 namespace {
@@ -98,19 +99,22 @@ DWORD StartSearch(LPCWSTR pattern, std::shared_ptr<FileSearch>* search) {
 
 HANDLE FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW found) {
   if (found == nullptr) return Fail(ERROR_INVALID_PARAMETER, INVALID_HANDLE_VALUE);
+  const LastErrorBefore before;
   std::shared_ptr<FileSearch> search;
-  const DWORD error = StartSearch(pattern, &search);
+  DWORD error = StartSearch(pattern, &search);
+  if (error == ERROR_SUCCESS && !search->Next(found)) error = ERROR_FILE_NOT_FOUND;
   if (error != ERROR_SUCCESS) return Fail(error, INVALID_HANDLE_VALUE);
-  if (!search->Next(found)) return Fail(ERROR_FILE_NOT_FOUND, INVALID_HANDLE_VALUE);
   const HANDLE handle = InsertHandle(std::move(search));
-  return handle == nullptr ? INVALID_HANDLE_VALUE : handle;
+  return handle == nullptr ? INVALID_HANDLE_VALUE : before.End(ERROR_SUCCESS, handle, handle);
 }
 
 BOOL FindNextFileW(HANDLE search, LPWIN32_FIND_DATAW found) {
   const auto object = FindHandle<FileSearch>(search);
   if (object == nullptr) return FALSE;
   if (found == nullptr) return Fail(ERROR_INVALID_PARAMETER, FALSE);
-  return object->Next(found) ? TRUE : Fail(ERROR_NO_MORE_FILES, FALSE);
+  const LastErrorBefore before;
+  const DWORD error = object->Next(found) ? ERROR_SUCCESS : ERROR_NO_MORE_FILES;
+  return before.End(error, TRUE, FALSE);
 }
 
 BOOL FindClose(HANDLE search) {

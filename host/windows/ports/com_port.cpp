@@ -234,12 +234,16 @@ BOOL ComPort::SetTimeouts(const COMMTIMEOUTS& timeouts) {
 
 BOOL ComPort::GetState(DCB* state) {
   state->DCBlength = sizeof *state;
-  return ::GetCommState(handle_->get(), state);
+  if (::GetCommState(handle_->get(), state) == FALSE) return FALSE;
+  state->fTXContinueOnXoff = continue_on_xoff_;
+  return TRUE;
 }
 
 BOOL ComPort::SetState(const DCB& state) {
   DCB drivers = state;
-  return ::SetCommState(handle_->get(), &drivers);
+  if (::SetCommState(handle_->get(), &drivers) == FALSE) return FALSE;
+  continue_on_xoff_ = state.fTXContinueOnXoff != 0;
+  return TRUE;
 }
 
 BOOL ComPort::ClearError(DWORD* errors, COMSTAT* status) {

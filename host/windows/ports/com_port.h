@@ -78,6 +78,7 @@ class ComPort final : public SerialPort, private LineUser {
   std::atomic<bool> mask_is_drivers_{false};    // else set while another received
   std::atomic<std::uint64_t> mask_changes_{0};  // how often the mask has been set << 32, and the mask
 
+  std::atomic<bool> continue_on_xoff_{false};  // of the settings: where the driver is a tty, it has no place for it
   Timeout read_timeout_;
   Timeout write_timeout_;
 };

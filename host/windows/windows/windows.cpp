@@ -13,6 +13,8 @@ using internal::OutsideCalls;
 constexpr int kProcedureIndex = -4;
 constexpr int kUserDataIndex = -21;
 constexpr DWORD kInvalidIndex = 1413;
+constexpr DWORD kNoSuchClass = 1407;
+constexpr DWORD kClassDoesNotExist = 1411;
 
 bool GoodIndex(HWND window, int index) {
   if (::IsWindow(window) == FALSE) return Fail(ERROR_INVALID_WINDOW_HANDLE, false);
@@ -31,11 +33,14 @@ HWND CreateWindowExW(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD st
   if (parent != nullptr && parent != HWND_MESSAGE) return Fail(ERROR_NOT_SUPPORTED, HWND{});
   const OutsideCalls application;
   const MakingAWindow quiet;
-  return ::CreateWindowExW(ex_style, class_name, title, style, x, y, width, height, parent, static_cast<HMENU>(menu),
-                           instance, parameter);
+  const HWND window = ::CreateWindowExW(ex_style, class_name, title, style, x, y, width, height, parent,
+                                        static_cast<HMENU>(menu), instance, parameter);
+  if (window == nullptr && GetLastError() == kClassDoesNotExist) SetLastError(kNoSuchClass);  // Wine's word for it
+  return window;
 }
 
 BOOL DestroyWindow(HWND window) {
+  if (::IsWindow(window) == FALSE) return Fail(ERROR_INVALID_WINDOW_HANDLE, FALSE);
   const OutsideCalls application;
   return ::DestroyWindow(window);
 }

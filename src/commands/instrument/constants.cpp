@@ -3,7 +3,6 @@
 //   C<ST_CST,IS_DTM=20240229>  ->  ACK
 // ST_CST stops at the first constant that is refused or not written; those before it stay set. GT_CST answers nothing
 // but the error when a sensor fails.
-#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -97,9 +96,7 @@ std::int32_t AddInteger(Reading& reading, const Row& row) {
 }
 
 // The half is added before the scaling, away from zero, and what is left of a tenth is cut (kept).
-std::int32_t VnsOffset(std::int16_t raw) {
-  return static_cast<std::int32_t>(std::trunc((raw + (raw < 0 ? -0.5 : 0.5)) * -0.1));
-}
+std::int32_t VnsOffset(std::int16_t raw) { return static_cast<std::int32_t>((raw + (raw < 0 ? -0.5 : 0.5)) * -0.1); }
 
 std::int32_t AddOffset(Reading& reading, const Row& row) {
   std::int16_t raw = 0;

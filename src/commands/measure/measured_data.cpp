@@ -44,7 +44,7 @@ QxPair Rounded(const QxPair& angles, double step) {
 double RoundDistance(double metres) {
   double whole = 0.0;
   const double fraction = std::modf(metres, &whole);
-  return whole + std::trunc(fraction * 10000.0 + 0.5) * 0.0001;
+  return whole + WholePart(fraction * 10000.0 + 0.5) * 0.0001;
 }
 
 }  // namespace

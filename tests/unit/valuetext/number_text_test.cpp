@@ -61,6 +61,16 @@ std::string ExactFixed(double value) {
   return (std::signbit(value) ? "-" : "") + digits;
 }
 
+TEST(WholePart, CutsTowardZeroAsTruncDoes) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (const double value :
+       {0.0, -0.0, 0.9, -0.9, 1.0, -1.5, 4503599627370495.5, -1e300, 5e-324, infinity, -infinity}) {
+    EXPECT_EQ(qxcm::WholePart(value), std::trunc(value)) << value;
+    EXPECT_EQ(std::signbit(qxcm::WholePart(value)), std::signbit(value)) << value;
+  }
+  EXPECT_TRUE(std::isnan(qxcm::WholePart(std::numeric_limits<double>::quiet_NaN())));
+}
+
 TEST(FormatFixed4, WritesFourDecimals) {
   EXPECT_EQ(Fixed(0), "0.0000");
   EXPECT_EQ(Fixed(15), "15.0000");

@@ -10,6 +10,7 @@ namespace {
 
 // Messages of the window to itself: below the range that applications register, above what the system library uses,
 // and told from a stranger's by the object's address in wParam.
+constexpr int kWindowProcedure = -4;  // its index
 constexpr UINT kEnd = 0x7F00;
 constexpr UINT kMark = 0x7F01;
 
@@ -57,7 +58,8 @@ bool AppWindow::WaitUntilIdle(std::chrono::milliseconds time) {
 }
 
 bool AppWindow::Subclassed() const {
-  return host::IsWindow(handle_) && host::GetWindowLongW(handle_, GWL_WNDPROC) != reinterpret_cast<LONG_PTR>(Procedure);
+  return host::IsWindow(handle_) &&
+         host::GetWindowLongW(handle_, kWindowProcedure) != reinterpret_cast<LONG_PTR>(Procedure);
 }
 
 void AppWindow::Report(std::uint64_t* value, std::uint64_t to) {

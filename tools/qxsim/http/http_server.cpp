@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "qxsim/http/worker_pool.h"
+#include "qxsim/system/listening.h"
 
 namespace qxsim {
 namespace {
@@ -296,7 +297,7 @@ class Session : public std::enable_shared_from_this<Session> {
 tcp::acceptor Listen(net::io_context& context, const HttpAddress& address) {
   const tcp::endpoint endpoint(net::ip::make_address(address.address), address.port);
   try {
-    return tcp::acceptor(context, endpoint);  // with SO_REUSEADDR
+    return tcp::acceptor(context, endpoint, ReusesAddresses());
   } catch (const boost::system::system_error& error) {
     throw std::system_error(error.code().value(), std::system_category(),
                             "address " + address.address + ":" + std::to_string(address.port));

@@ -50,7 +50,7 @@ bool ReadFraction(std::string_view text, bool pad, std::int64_t* value) {
 
 char* FormatAngleDms(char* buffer, std::size_t size, double radians) {
   const double half = radians < 0 ? -0.5 : 0.5;
-  const double units = std::trunc(radians * kUnitsPerHalfTurn * kInversePi + half);
+  const double units = WholePart(radians * kUnitsPerHalfTurn * kInversePi + half);
   // The remainder of doubles is exact, so an angle of any size is folded before it becomes an integer.
   const int folded = std::isfinite(units) ? static_cast<int>(std::fmod(units, kTurn)) : 0;
   const int magnitude = std::abs(folded);
@@ -64,7 +64,7 @@ char* FormatAngleDms(char* buffer, std::size_t size, double radians) {
 
 double RoundAngle(double radians, double resolution_seconds) {
   // Cut, not rounded, to whole units before half a step is added: kept, though FormatAngleDms rounds.
-  const double cut = -std::trunc(std::fabs(radians) * kUnitsPerHalfTurn * -kInversePi);
+  const double cut = -WholePart(std::fabs(radians) * kUnitsPerHalfTurn * -kInversePi);
   if (!std::isfinite(cut)) return 0;
   const std::int64_t step = StepUnits(resolution_seconds);
   // Whole multiples of both the step and the turn change nothing below; without them an integer holds any angle.

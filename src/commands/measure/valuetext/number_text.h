@@ -3,11 +3,19 @@
 #ifndef QXCM_COMMANDS_MEASURE_VALUETEXT_NUMBER_TEXT_H
 #define QXCM_COMMANDS_MEASURE_VALUETEXT_NUMBER_TEXT_H
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 namespace qxcm {
+
+/// A number without its fraction, toward zero; infinities and what is not a number stay. (The platform has no trunc.)
+inline double WholePart(double value) {
+  double whole = 0.0;
+  std::modf(value, &whole);
+  return whole;
+}
 
 /// Writes a number with four decimals, as "%.4f" does with a point: "12.3450". An infinite value and one that is not a
 /// number leave the text empty, the wire's form of a value that is not there.

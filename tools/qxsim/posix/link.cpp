@@ -1,4 +1,4 @@
-#include "qxsim/link.h"
+#include "qxsim/posix/link.h"
 
 #include <unistd.h>
 

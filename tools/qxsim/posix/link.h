@@ -1,6 +1,6 @@
 // The symbolic link under which a controller finds its end of a line.
-#ifndef QXSIM_LINK_H
-#define QXSIM_LINK_H
+#ifndef QXSIM_POSIX_LINK_H
+#define QXSIM_POSIX_LINK_H
 
 #include <filesystem>
 #include <string>
