@@ -7,7 +7,7 @@ add_subdirectory(${QX_GOOGLETEST}/googletest ${CMAKE_CURRENT_BINARY_DIR}/googlet
 add_compile_options(-O0)
 file(GLOB sources CONFIGURE_DEPENDS platform/*.cpp platform/*.h)
 list(FILTER sources EXCLUDE REGEX "/host_[^/]*$")
-add_executable(platform_tests ${sources} support/pe_file.cpp)
+add_executable(platform_tests ${sources} support/path_spellings.cpp support/pe_file.cpp)
 target_include_directories(platform_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
 # Before the system's own import libraries: the calls of the tests go the way that the library's go.
 target_link_libraries(platform_tests PRIVATE coredll qxinstrument GTest::gtest ws2_32 qx_options)
