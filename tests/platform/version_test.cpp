@@ -112,9 +112,11 @@ TEST(VersionInfo, HasNoOtherValues) {
   }
 }
 
-TEST(VersionInfo, IsThatOfTheFirstLanguage) {
+// A Windows for one of these languages would have chosen its own.
+TEST(VersionInfo, IsThatOfTheFirstLanguageWhenNoneIsTheSystems) {
+  constexpr WORD kGalician = 0x0456, kYi = 0x0478, kMaori = 0x0481;
   PeLayout layout;
-  layout.languages = {0x0407, 0x0409, 0x0411};
+  layout.languages = {kGalician, kYi, kMaori};
   const FileBytes resource = Load(PeFile(VersionResource({kEnglish}), layout));
   EXPECT_EQ(TextOf(resource, TEXT("\\StringFileInfo\\040904b0\\FileVersion")), TEXT("9.9"));
 }

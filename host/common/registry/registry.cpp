@@ -15,7 +15,7 @@ RegistryContent Registry::Content() const { return StoredRegistry(); }
 
 DWORD Registry::Change(const Edit& edit) {
   const std::lock_guard<std::mutex> one_at_a_time(change_mutex_);
-  const RegistryContent before = Content();
+  const RegistryContent before = RegistryToChange();
   RegistryContent after = before;
   if (const DWORD error = edit(&after)) return error;
   if (after.top == before.top) return ERROR_SUCCESS;

@@ -11,8 +11,11 @@ namespace host {
 /// The content at this moment. Any thread; at start the content is DefaultRegistry().
 RegistryContent StoredRegistry();
 
-/// Turns the content from `before`, as StoredRegistry() last gave it, into `after`; whoever looks sees the one or the
-/// other. Calls follow one another. Returns 0 or the error.
+/// The same for a change to begin with; calls follow one another, as those of StoreRegistry do.
+RegistryContent RegistryToChange();
+
+/// Turns the content from `before`, as RegistryToChange() has given it, into `after`; whoever looks sees the one or the
+/// other. Returns 0 or the error.
 DWORD StoreRegistry(const RegistryContent& before, const RegistryContent& after);
 
 }  // namespace host

@@ -24,6 +24,8 @@ RegistryContent StoredRegistry() {
   return store.content;
 }
 
+RegistryContent RegistryToChange() { return StoredRegistry(); }
+
 DWORD StoreRegistry(const RegistryContent&, const RegistryContent& after) {
   Store& store = TheStore();
   const std::lock_guard<std::mutex> lock(store.mutex);

@@ -7,6 +7,7 @@
 #include "common/kernel/handles.h"
 #include "common/registry/registry.h"
 #include "common/registry/registry_arguments.h"
+#include "windows/kernel/last_error.h"
 #include "windows/registry/private_key.h"
 #include "windows/registry/registry_lock.h"
 #include "windows/registry/system_keys.h"
@@ -32,18 +33,6 @@ class OpenKey final : public KernelObject {
 };
 
 using Key = std::shared_ptr<const OpenKey>;
-
-/// The calls leave the last error alone, whatever the system makes of it.
-class KeepsLastError {
- public:
-  KeepsLastError() : error_(::GetLastError()) {}
-  KeepsLastError(const KeepsLastError&) = delete;
-  KeepsLastError& operator=(const KeepsLastError&) = delete;
-  ~KeepsLastError() { ::SetLastError(error_); }
-
- private:
-  const DWORD error_;
-};
 
 /// Null when the handle is no key's.
 Key FindOpenKey(HKEY key) {
@@ -110,7 +99,7 @@ std::string RegistrySubject(HKEY key, LPCWSTR path) {
 }
 
 LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, DWORD, PHKEY opened) {
-  const KeepsLastError kept;
+  const KeepLastError keep;
   if (opened == nullptr || options != 0) return Code(ERROR_INVALID_PARAMETER);
   Target target;
   if (const DWORD error = FindTarget(key, path, &target)) return Code(error);
@@ -120,7 +109,7 @@ LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, DWORD, PHKEY opened) {
 
 LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPCWSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, PHKEY opened,
                      LPDWORD disposition) {
-  const KeepsLastError kept;
+  const KeepLastError keep;
   if (opened == nullptr || reserved != 0) return Code(ERROR_INVALID_PARAMETER);
   Target target;
   if (const DWORD error = FindTarget(key, path, &target)) return Code(error);
@@ -137,14 +126,14 @@ LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPCWSTR, DWORD, DWO
 }
 
 LONG RegCloseKey(HKEY key) {
-  const KeepsLastError kept;
+  const KeepLastError keep;
   if (IsRegistryRoot(key)) return Code(ERROR_SUCCESS);
   const bool closed = FindOpenKey(key) != nullptr && RemoveHandle(key);
   return Code(closed ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);
 }
 
 LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, BYTE* data, LPDWORD size) {
-  const KeepsLastError kept;
+  const KeepLastError keep;
   if (reserved != nullptr || (data != nullptr && size == nullptr)) return Code(ERROR_INVALID_PARAMETER);
   const Key open = FindOpenKey(key);
   if (open == nullptr) return Code(ERROR_INVALID_HANDLE);
@@ -163,7 +152,7 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, BY
 }
 
 LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size) {
-  const KeepsLastError kept;
+  const KeepLastError keep;
   const bool good = reserved == 0 && (data != nullptr || size == 0) && size <= kLargestRegistryValue;
   if (!good || !GoodRegistryName(Text(name))) return Code(ERROR_INVALID_PARAMETER);
   const Key open = FindOpenKey(key);
@@ -175,7 +164,7 @@ LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BY
 }
 
 LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
-  const KeepsLastError kept;
+  const KeepLastError keep;
   const Key open = FindOpenKey(key);
   if (open == nullptr) return Code(ERROR_INVALID_HANDLE);
   return ChangeKey(*open, [&](RegistryEdit& edit) -> DWORD {
@@ -184,7 +173,7 @@ LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
 }
 
 LONG RegDeleteKeyW(HKEY key, LPCWSTR path) {
-  const KeepsLastError kept;
+  const KeepLastError keep;
   if (path == nullptr) return Code(ERROR_INVALID_PARAMETER);
   Target target;
   if (const DWORD error = FindTarget(key, path, &target)) return Code(error);

@@ -5,7 +5,7 @@
 namespace host {
 namespace {
 
-constexpr DWORD kNameSize = 16384;  // the longest name of a value on the desktop, with its zero
+constexpr DWORD kNameSize = kLongestRegistryName + 1;
 
 /// An open key of the system's, closed at the end.
 class OpenSystemKey {
@@ -23,14 +23,19 @@ class OpenSystemKey {
   HKEY key_ = nullptr;
 };
 
-std::vector<WideString> ValueNames(HKEY key) {
-  std::vector<WideString> names;
-  std::vector<WCHAR> name(kNameSize);
-  for (DWORD size = kNameSize;; size = kNameSize) {
-    const auto index = static_cast<DWORD>(names.size());
-    if (::RegEnumValueW(key, index, name.data(), &size, nullptr, nullptr, nullptr, nullptr) != 0) return names;
-    names.emplace_back(name.data(), size);
+/// The value of this index; false when there is none.
+bool ReadValueAt(HKEY key, DWORD index, std::vector<BYTE>* room, RegistryValue* value) {
+  WCHAR name[kNameSize];
+  DWORD name_size = kNameSize;
+  auto size = static_cast<DWORD>(room->size());
+  LONG error = ::RegEnumValueW(key, index, name, &name_size, nullptr, &value->type, room->data(), &size);
+  if (error == ERROR_MORE_DATA && size > room->size()) {
+    room->resize(size);  // the system may put a zero behind a text
+    return ReadValueAt(key, index, room, value);
   }
+  value->name.assign(name, error == 0 ? name_size : 0);
+  value->data.assign(room->data(), room->data() + (error == 0 ? size : 0));
+  return error == 0;
 }
 
 // A copy with something behind it that is no zero: the system would take one for the end of a text.
@@ -98,8 +103,8 @@ DWORD ChangeKeys(HKEY key, const RegistryKey& before, const RegistryKey& after) 
 
 std::vector<WideString> SystemKeyNames(HKEY key) {
   std::vector<WideString> names;
-  WCHAR name[kLongestRegistryName + 1];
-  for (DWORD size = kLongestRegistryName + 1;; size = kLongestRegistryName + 1) {
+  WCHAR name[kNameSize];
+  for (DWORD size = kNameSize;; size = kNameSize) {
     const auto index = static_cast<DWORD>(names.size());
     if (::RegEnumKeyExW(key, index, name, &size, nullptr, nullptr, nullptr, nullptr) != 0) return names;
     names.emplace_back(name, size);
@@ -122,12 +127,9 @@ LONG ReadSystemValue(HKEY key, LPCWSTR name, RegistryValue* value) {
 
 void ReadSystemKey(HKEY key, const RegistryPath& path, RegistryEdit* content) {
   if (path.size() > 1) content->AddKey(path);
-  for (WideString& name : ValueNames(key)) {
-    RegistryValue value;
-    if (ReadSystemValue(key, name.c_str(), &value) != 0) continue;
-    value.name = std::move(name);
-    content->SetValue(path, std::move(value));
-  }
+  std::vector<BYTE> room(kLargestRegistryValue + sizeof(WCHAR));
+  RegistryValue value;
+  for (DWORD index = 0; ReadValueAt(key, index, &room, &value); ++index) content->SetValue(path, value);
   for (const WideString& name : SystemKeyNames(key)) {
     OpenSystemKey below;
     if (::RegOpenKeyExW(key, name.c_str(), 0, KEY_READ, below.place()) != 0) continue;

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <ctime>
-#include <random>
 
 #include "common/system/calendar.h"
 #include "common/system/clock.h"
@@ -150,28 +149,6 @@ TEST_F(VirtualClock, RefusesALocalFileTimeThatCannotBe) {
   ASSERT_TRUE(SetTimeZoneInformation(&east));
   EXPECT_FALSE(FileTimeToLocalFileTime(&last, &local));
   EXPECT_FALSE(FileTimeToLocalFileTime(&negative, &local));
-}
-
-TEST(Calendar, AgreesWithTheMachinesLibraryOnAnyMoment) {
-  std::mt19937_64 random(20240131);
-  int compared = 0;  // some libraries know the years 1970 to 3000 only
-  for (int round = 0; round < 200000; ++round) {
-    const auto ticks = static_cast<std::int64_t>(random() >> 1);
-    const std::time_t seconds = ticks / kTicksPerSecond - kSecondsTo1970;
-    const std::tm* known = std::gmtime(&seconds);
-    if (known == nullptr) continue;
-    const std::tm expected = *known;
-    ++compared;
-    const SYSTEMTIME time = host::CalendarOfMs(ticks / host::kTicksPerMs);
-    ASSERT_EQ(Text(time), Text(At(expected.tm_year + 1900, expected.tm_mon + 1, expected.tm_mday, expected.tm_hour,
-                                  expected.tm_min, expected.tm_sec)));
-    ASSERT_EQ(time.wDayOfWeek, expected.tm_wday);
-    ASSERT_EQ(time.wMilliseconds, ticks / host::kTicksPerMs % 1000);
-    if (host::IsCalendarTime(time)) {
-      ASSERT_EQ(host::MsOfCalendar(time), ticks / host::kTicksPerMs);
-    }
-  }
-  EXPECT_GT(compared, 5000);
 }
 
 TEST(Calendar, KnowsTheLengthOfEveryMonth) {
