@@ -4,6 +4,7 @@
 
 #include "common/files/file_root.h"
 #include "scratch_folder.h"
+#include "win32_this_machine.h"
 
 namespace platform_test {
 namespace {
@@ -36,6 +37,7 @@ ScratchFolder::ScratchFolder() : path_(TEXT("\\Scratch")) {
 }
 
 ScratchFolder::~ScratchFolder() {
+  qxtest::RemoveLinks();
   host::ClearFileRoot();
   host::SetFreeFileSpace(std::nullopt);
   RemoveAll(fs::u8path(host_path_).parent_path().parent_path());
