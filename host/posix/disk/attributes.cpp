@@ -87,7 +87,7 @@ DWORD ReadAttributes(int descriptor, const FileFacts& facts) {
   return attributes != 0 ? attributes : FILE_ATTRIBUTE_NORMAL;
 }
 
-DWORD ReadAttributes(const Entry& entry) { return ReadAttributes(entry.descriptor.get(), entry.facts); }
+DWORD ReadAttributes(const DiskEntry& entry) { return ReadAttributes(entry.descriptor.get(), entry.facts); }
 
 DWORD StoreAttributes(int descriptor, const FileFacts& facts, DWORD attributes) {
   attributes &= kSettableAttributes;

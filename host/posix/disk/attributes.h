@@ -21,7 +21,7 @@ constexpr DWORD kSettableAttributes =
 
 /// As GetFileAttributesW gives them: FILE_ATTRIBUTE_NORMAL when there is none.
 DWORD ReadAttributes(int descriptor, const FileFacts& facts);
-DWORD ReadAttributes(const Entry& entry);
+DWORD ReadAttributes(const DiskEntry& entry);
 
 /// Sets those of kSettableAttributes. Returns 0, or the error with nothing changed.
 DWORD StoreAttributes(int descriptor, const FileFacts& facts, DWORD attributes);

@@ -55,7 +55,7 @@ bool ReadFacts(int descriptor, FileFacts* facts) {
   return true;
 }
 
-DWORD OpenEntry(int folder, std::string host_name, Entry* entry) {
+DWORD OpenEntry(int folder, std::string host_name, DiskEntry* entry) {
   FileDescriptor descriptor(openat(folder, host_name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
   if (descriptor.get() < 0) return errno == ENOENT ? ERROR_SUCCESS : HostError();
   FileFacts facts;
@@ -64,7 +64,7 @@ DWORD OpenEntry(int folder, std::string host_name, Entry* entry) {
   return ERROR_SUCCESS;
 }
 
-DWORD FindEntry(const Entry& folder, std::u16string_view name, Entry* entry) {
+DWORD FindEntry(const DiskEntry& folder, std::u16string_view name, DiskEntry* entry) {
   const std::u16string folded = FoldName(name);
   std::vector<std::string> candidates;
   DWORD error = ScanFolder(folder.descriptor.get(), [&](std::string_view host_name) {

@@ -51,7 +51,7 @@ struct FileFacts {
 bool ReadFacts(int descriptor, FileFacts* facts);
 
 /// A file or folder. The descriptor only pins it (O_PATH).
-struct Entry {
+struct DiskEntry {
   std::string host_name;
   FileDescriptor descriptor;
   FileFacts facts;
@@ -60,10 +60,10 @@ struct Entry {
 
 /// Pins what has this name on this machine. Returns 0, with an entry that does not exist when there is no such file or
 /// folder, or the error.
-DWORD OpenEntry(int folder, std::string host_name, Entry* entry);
+DWORD OpenEntry(int folder, std::string host_name, DiskEntry* entry);
 
 /// The same by the instrument's name, in any letter case. Reads the folder's names once.
-DWORD FindEntry(const Entry& folder, std::u16string_view name, Entry* entry);
+DWORD FindEntry(const DiskEntry& folder, std::u16string_view name, DiskEntry* entry);
 
 /// Calls back for every name in the folder that may be a file's or a folder's. Returns 0 or the error.
 DWORD ScanFolder(int folder, const std::function<void(std::string_view host_name)>& found);

@@ -14,7 +14,7 @@ namespace {
 
 using Names = std::vector<std::u16string>;
 
-DWORD OpenRoot(Entry* root) {
+DWORD OpenRoot(DiskEntry* root) {
   const auto descriptor = FileRoot();
   if (descriptor == nullptr) return ERROR_PATH_NOT_FOUND;
   const DWORD error = OpenEntry(descriptor->get(), ".", root);
@@ -22,11 +22,11 @@ DWORD OpenRoot(Entry* root) {
 }
 
 // Walks from the root through the folders of these names.
-DWORD Walk(Names::const_iterator name, Names::const_iterator end, Entry* folder, std::vector<FileId>* passed) {
+DWORD Walk(Names::const_iterator name, Names::const_iterator end, DiskEntry* folder, std::vector<FileId>* passed) {
   DWORD error = OpenRoot(folder);
   for (; error == ERROR_SUCCESS && name != end; ++name) {
     passed->push_back(folder->facts.id);
-    Entry next;
+    DiskEntry next;
     error = FindEntry(*folder, *name, &next);
     const bool passable = next.exists() && next.facts.folder();
     if (error == ERROR_SUCCESS && !passable) error = ERROR_PATH_NOT_FOUND;
@@ -57,7 +57,7 @@ DWORD LocateExisting(std::u16string_view path, Place* place) {
   return place->file_named_as_folder() ? ERROR_INVALID_NAME : ERROR_SUCCESS;
 }
 
-DWORD LocatePattern(std::u16string_view pattern, Entry* folder, std::u16string* name) {
+DWORD LocatePattern(std::u16string_view pattern, DiskEntry* folder, std::u16string* name) {
   FilePath parsed;
   DWORD error = ParsePath(pattern, WildCards::kInLastName, &parsed);
   if (error != ERROR_SUCCESS) return error;
@@ -77,7 +77,7 @@ DWORD ChangeRefused(const Place& place) {
 }
 
 DWORD WriteProtected() {
-  Entry root;
+  DiskEntry root;
   const DWORD error = OpenRoot(&root);
   if (error != ERROR_SUCCESS) return error;
   struct statvfs volume {};

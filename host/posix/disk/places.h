@@ -15,8 +15,8 @@ namespace host {
 
 struct Place {
   std::vector<FileId> folders;       ///< from the root to the folder; empty for the root itself
-  Entry folder;                      ///< none for the root itself
-  Entry entry;                       ///< none when there is nothing of that name
+  DiskEntry folder;                  ///< none for the root itself
+  DiskEntry entry;                   ///< none when there is nothing of that name
   std::string new_name;              ///< what a file or folder made here is called on this machine
   bool ends_with_separator = false;  ///< the path can mean a folder only
 
@@ -33,7 +33,7 @@ DWORD LocateExisting(std::u16string_view path, Place* place);
 
 /// Splits a search pattern into the folder it searches and the last name, which may hold wild cards. Error 2 when it
 /// has no last name.
-DWORD LocatePattern(std::u16string_view pattern, Entry* folder, std::u16string* name);
+DWORD LocatePattern(std::u16string_view pattern, DiskEntry* folder, std::u16string* name);
 
 /// Why names in the place's folder must not be made, changed or removed: 19 when the root is write-protected, which it
 /// is when its owner cannot write it or the machine's file system is read-only; 5 when the folder is. 0 if they may.

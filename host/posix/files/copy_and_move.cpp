@@ -30,14 +30,14 @@ struct Copy {
   std::shared_ptr<OpenFile> target;
 };
 
-DWORD Empty(const Entry& entry, const OpenFile& file) {
+DWORD Empty(const DiskEntry& entry, const OpenFile& file) {
   if (ftruncate(file.descriptor(), 0) != 0) return HostError();
   GiveFileSpace(entry.facts.size);
   return ERROR_SUCCESS;
 }
 
 // What CopyFileW overwrites must be plain: neither read-only nor hidden nor a system file.
-bool MayBeOverwritten(const Entry& entry) {
+bool MayBeOverwritten(const DiskEntry& entry) {
   const DWORD attributes = ReadAttributes(entry);
   return (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)) == 0;
 }
@@ -73,7 +73,7 @@ DWORD CopyData(OpenFile& source, OpenFile& target) {
 }
 
 // Time first: storing the attributes may close the file to further changes.
-DWORD CopyFacts(const Entry& source, const OpenFile& target) {
+DWORD CopyFacts(const DiskEntry& source, const OpenFile& target) {
   FileFacts facts;
   if (!ReadFacts(target.descriptor(), &facts)) return HostError();
   const DWORD error = StoreWrittenTime(target.descriptor(), source.facts.written);
@@ -86,7 +86,7 @@ void RemoveHalf(const Copy& copy) {
   const auto lock = LockNames();
   const std::string& name = copy.to.entry.exists() ? copy.to.entry.host_name : copy.to.new_name;
   const int folder = copy.to.folder.descriptor.get();
-  Entry there;
+  DiskEntry there;
   if (OpenEntry(folder, name, &there) != ERROR_SUCCESS || !there.exists()) return;
   if (!(there.facts.id == copy.target->id())) return;
   if (unlinkat(folder, name.c_str(), 0) == 0) GiveFileSpace(there.facts.size);

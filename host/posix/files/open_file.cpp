@@ -41,7 +41,7 @@ int HostFlags(DWORD access) {
 }
 
 DWORD OpenExisting(const Place& place, const std::string& name, const OpenMode& mode, std::shared_ptr<OpenFile>* file) {
-  const Entry& entry = place.entry;
+  const DiskEntry& entry = place.entry;
   if (!entry.exists()) return ERROR_FILE_NOT_FOUND;
   if (entry.facts.folder()) return ERROR_ACCESS_DENIED;
   if (place.ends_with_separator) return ERROR_INVALID_NAME;

@@ -36,7 +36,7 @@ DWORD Unlink(const Place& place, int flags) {
   return gone ? ERROR_SUCCESS : HostError();
 }
 
-bool IsReadOnly(const Entry& entry) { return (ReadAttributes(entry) & FILE_ATTRIBUTE_READONLY) != 0; }
+bool IsReadOnly(const DiskEntry& entry) { return (ReadAttributes(entry) & FILE_ATTRIBUTE_READONLY) != 0; }
 
 DWORD RemoveFolder(LPCWSTR path) {
   const auto lock = LockNames();

@@ -30,7 +30,7 @@ bool operator<(const FoundName& a, const FoundName& b) {
   return std::tie(a.folded, a.host_name) < std::tie(b.folded, b.host_name);
 }
 
-void FillIn(const Entry& entry, WIN32_FIND_DATAW* found) {
+void FillIn(const DiskEntry& entry, WIN32_FIND_DATAW* found) {
   *found = {};
   found->dwFileAttributes = ReadAttributes(entry);
   found->ftCreationTime = ToFileTime(entry.facts.made);
@@ -46,7 +46,7 @@ void FillIn(const Entry& entry, WIN32_FIND_DATAW* found) {
 /// One search; its calls may come from several threads.
 class FileSearch final : public KernelObject {
  public:
-  FileSearch(std::string name, Entry folder, std::vector<FoundName> names)
+  FileSearch(std::string name, DiskEntry folder, std::vector<FoundName> names)
       : name_(std::move(name)), folder_(std::move(folder)), names_(std::move(names)) {}
 
   const std::string& name() const { return name_; }
@@ -55,7 +55,7 @@ class FileSearch final : public KernelObject {
   bool Next(WIN32_FIND_DATAW* found) {
     const std::lock_guard<std::mutex> lock(mutex_);
     while (next_ < names_.size()) {
-      Entry entry;
+      DiskEntry entry;
       const DWORD error = OpenEntry(folder_.descriptor.get(), std::move(names_[next_++].host_name), &entry);
       if (error != ERROR_SUCCESS || !entry.exists()) continue;
       FillIn(entry, found);
@@ -66,19 +66,19 @@ class FileSearch final : public KernelObject {
 
  private:
   const std::string name_;
-  const Entry folder_;
+  const DiskEntry folder_;
   std::mutex mutex_;
   std::vector<FoundName> names_;  // guarded by mutex_
   std::size_t next_ = 0;          // guarded by mutex_
 };
 
-bool IsFileNow(const Entry& folder, const std::string& host_name) {
-  Entry entry;
+bool IsFileNow(const DiskEntry& folder, const std::string& host_name) {
+  DiskEntry entry;
   return OpenEntry(folder.descriptor.get(), host_name, &entry) == ERROR_SUCCESS && entry.exists();
 }
 
 // Sorts, and of the names that differ in letter case alone keeps the first that is a file or folder.
-void Arrange(const Entry& folder, std::vector<FoundName>* names) {
+void Arrange(const DiskEntry& folder, std::vector<FoundName>* names) {
   std::sort(names->begin(), names->end());
   std::vector<FoundName> kept;
   for (FoundName& name : *names) {
@@ -90,7 +90,7 @@ void Arrange(const Entry& folder, std::vector<FoundName>* names) {
   *names = std::move(kept);
 }
 
-DWORD FindMatching(const Entry& folder, std::u16string_view name, std::vector<FoundName>* names) {
+DWORD FindMatching(const DiskEntry& folder, std::u16string_view name, std::vector<FoundName>* names) {
   const NamePattern pattern(name);
   const DWORD error = ScanFolder(folder.descriptor.get(), [&](std::string_view host_name) {
     const auto own_name = FromHostName(host_name);
@@ -102,8 +102,8 @@ DWORD FindMatching(const Entry& folder, std::u16string_view name, std::vector<Fo
   return error;
 }
 
-DWORD FindOne(const Entry& folder, std::u16string_view name, std::vector<FoundName>* names) {
-  Entry entry;
+DWORD FindOne(const DiskEntry& folder, std::u16string_view name, std::vector<FoundName>* names) {
+  DiskEntry entry;
   const DWORD error = FindEntry(folder, name, &entry);
   if (error == ERROR_SUCCESS && entry.exists()) names->push_back({{}, entry.host_name});
   return error;
@@ -111,7 +111,7 @@ DWORD FindOne(const Entry& folder, std::u16string_view name, std::vector<FoundNa
 
 DWORD StartSearch(LPCWSTR pattern, std::shared_ptr<FileSearch>* search) {
   const auto lock = LockNames();
-  Entry folder;
+  DiskEntry folder;
   std::u16string name;
   std::vector<FoundName> names;
   DWORD error = LocatePattern(PathText(pattern), &folder, &name);

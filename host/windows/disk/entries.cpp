@@ -17,7 +17,7 @@ bool SamePath(WideView one, WideView other) {
                                 TRUE) == CSTR_EQUAL;
 }
 
-DWORD Find(const WideString& path, DWORD access, DWORD share, Entry* entry) {
+DWORD Find(const WideString& path, DWORD access, DWORD share, DiskEntry* entry) {
   SystemHandle pin(::CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING,
                                  FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
   if (!pin.valid()) return IsMissing(::GetLastError()) ? ERROR_SUCCESS : SystemError();
@@ -62,11 +62,11 @@ bool LiesAt(HANDLE open, WideView path) {
   return LiesAt(open, path, &facts, &final_path);
 }
 
-DWORD FindEntry(const WideString& path, Entry* entry) {
+DWORD FindEntry(const WideString& path, DiskEntry* entry) {
   return Find(path, FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, entry);
 }
 
-DWORD FindFolder(const WideString& path, Entry* folder) {
+DWORD FindFolder(const WideString& path, DiskEntry* folder) {
   return Find(path, FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE, folder);
 }
 

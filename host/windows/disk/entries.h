@@ -37,7 +37,7 @@ bool LiesAt(HANDLE open, WideView path, FileFacts* facts, WideString* final_path
 bool LiesAt(HANDLE open, WideView path);
 
 /// A file or folder that is there.
-struct Entry {
+struct DiskEntry {
   SystemHandle pin;
   WideString path;     ///< on this machine, as the system spells it
   FileFacts facts;     ///< as they were when it was opened
@@ -47,10 +47,10 @@ struct Entry {
 
 /// Looks for a file or folder at a path of this machine. Returns 0, with an entry that does not exist when there is
 /// none, or the error. The pin is no obstacle to anybody.
-DWORD FindEntry(const WideString& path, Entry* entry);
+DWORD FindEntry(const WideString& path, DiskEntry* entry);
 
 /// The same for a folder that shall stay where it is while it is pinned.
-DWORD FindFolder(const WideString& path, Entry* folder);
+DWORD FindFolder(const WideString& path, DiskEntry* folder);
 
 /// The last error as the platform's calls tell it.
 DWORD SystemError();

@@ -14,7 +14,7 @@ WideString Below(WideString path, Names::const_iterator name, Names::const_itera
   return path;
 }
 
-DWORD OpenFolder(const RootFolder& root, const Names& names, std::size_t depth, Entry* folder) {
+DWORD OpenFolder(const RootFolder& root, const Names& names, std::size_t depth, DiskEntry* folder) {
   const DWORD error = FindFolder(Below(root.path, names.begin(), names.begin() + static_cast<int>(depth)), folder);
   if (error == ERROR_SHARING_VIOLATION) return ERROR_PATH_NOT_FOUND;  // a file that is open
   if (error != ERROR_SUCCESS) return error;
@@ -44,7 +44,7 @@ DWORD LocateExisting(WideView path, Place* place) {
   return place->file_named_as_folder() ? ERROR_INVALID_NAME : ERROR_SUCCESS;
 }
 
-DWORD LocatePattern(WideView pattern, Entry* folder, WideString* name) {
+DWORD LocatePattern(WideView pattern, DiskEntry* folder, WideString* name) {
   FilePath parsed;
   DWORD error = ParsePath(pattern, WildCards::kInLastName, &parsed);
   if (error != ERROR_SUCCESS) return error;

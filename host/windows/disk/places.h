@@ -13,8 +13,8 @@ namespace host {
 
 struct Place {
   std::shared_ptr<const RootFolder> root;  ///< kept while it is used
-  Entry folder;                            ///< none for the root itself
-  Entry entry;                             ///< none when there is nothing of that name
+  DiskEntry folder;                        ///< none for the root itself
+  DiskEntry entry;                         ///< none when there is nothing of that name
   WideString new_path;                     ///< where on this machine a file or folder made here goes
   bool ends_with_separator = false;        ///< the path can mean a folder only
 
@@ -31,7 +31,7 @@ DWORD LocateExisting(WideView path, Place* place);
 
 /// Splits a search pattern into the folder it searches and the last name, which may hold wild cards. Error 2 when it
 /// has no last name.
-DWORD LocatePattern(WideView pattern, Entry* folder, WideString* name);
+DWORD LocatePattern(WideView pattern, DiskEntry* folder, WideString* name);
 
 /// Why names at the place must not be made, changed or removed: 5 for the root, and where the name is taken by what is
 /// no file of the instrument. 0 if they may, as far as it is not the system that refuses.

@@ -48,7 +48,7 @@ DWORD RemoveWithoutRoom(const Copy& copy) {
 
 // What a copy that failed has left of its target: on Windows nothing.
 std::uint64_t SizeLeft(const Copy& copy) {
-  Entry left;
+  DiskEntry left;
   return FindEntry(copy.target(), &left) == ERROR_SUCCESS && left.exists() ? left.facts.size : 0;
 }
 

@@ -15,7 +15,7 @@ bool IsBelow(const WideString& path, const WideString& folder) {
 
 // What the system itself refuses on Windows, Wine does not always: a folder into itself, one with open files.
 DWORD CheckMove(const Place& from, const Place& to) {
-  const Entry& entry = from.entry;
+  const DiskEntry& entry = from.entry;
   if (from.is_root()) return ERROR_ACCESS_DENIED;
   if (entry.facts.folder() && HoldsOpenFiles(entry.path)) return ERROR_ACCESS_DENIED;
   if (to.entry.exists() && to.entry.path != entry.path) return ERROR_ALREADY_EXISTS;

@@ -26,7 +26,7 @@ struct FoundName {
 
 bool operator<(const FoundName& a, const FoundName& b) { return a.folded < b.folded; }
 
-void FillIn(const Entry& entry, WIN32_FIND_DATAW* found) {
+void FillIn(const DiskEntry& entry, WIN32_FIND_DATAW* found) {
   *found = {};
   found->dwFileAttributes = InstrumentAttributes(entry.facts);
   found->ftCreationTime = entry.facts.made;
@@ -50,7 +50,7 @@ class FileSearch final : public KernelObject {
   bool Next(WIN32_FIND_DATAW* found) {
     const std::lock_guard<std::mutex> lock(mutex_);
     while (next_ < names_.size()) {
-      Entry entry;
+      DiskEntry entry;
       if (FindEntry(names_[next_++].path, &entry) != ERROR_SUCCESS || !entry.exists()) continue;
       FillIn(entry, found);
       return true;
@@ -66,7 +66,7 @@ class FileSearch final : public KernelObject {
 };
 
 // The system's own patterns would do but for Wine, where "?" and "*." mean less than on Windows.
-DWORD FindMatching(const Entry& folder, WideView name, std::vector<FoundName>* names) {
+DWORD FindMatching(const DiskEntry& folder, WideView name, std::vector<FoundName>* names) {
   const NamePattern pattern(name);
   WIN32_FIND_DATAW each;
   const HANDLE search = ::FindFirstFileExW((folder.path + TEXT("\\*")).c_str(), FindExInfoBasic, &each,
@@ -85,7 +85,7 @@ DWORD FindMatching(const Entry& folder, WideView name, std::vector<FoundName>* n
 
 DWORD StartSearch(LPCWSTR pattern, std::shared_ptr<FileSearch>* search) {
   const auto lock = LockNames();
-  Entry folder;
+  DiskEntry folder;
   WideString name;
   std::vector<FoundName> names;
   DWORD error = LocatePattern(PathText(pattern), &folder, &name);
