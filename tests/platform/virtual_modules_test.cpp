@@ -29,12 +29,7 @@ TEST_F(Modules, AreFoundInAnyLetterCaseWithOrWithoutTheEnding) {
 }
 
 TEST_F(Modules, AreNotFoundByAnotherName) {
-<<<<<<<< HEAD:tests/platform/common_modules_test.cpp
-  for (const LPCWSTR name :
-       {TEXT(""), TEXT("TestLibrary.exe"), TEXT("TestLibrary."), TEXT("Test"), TEXT("\\Windows\\TestLibrary.dll")}) {
-========
   for (const LPCWSTR name : {TEXT(""), TEXT("TestLibrary.exe"), TEXT("TestLibrary."), TEXT("Test"), TEXT("\\Windows\\TestLibrary.dll")}) {
->>>>>>>> wt-win-dll:tests/platform/virtual_modules_test.cpp
     EXPECT_EQ(GetModuleHandleW(name), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
   }
@@ -50,12 +45,7 @@ TEST_F(Modules, GiveTheirProceduresByOrdinal) {
 
 TEST_F(Modules, HaveNoOtherProcedures) {
   const HMODULE module = GetModuleHandleW(TEXT("TestLibrary"));
-<<<<<<<< HEAD:tests/platform/common_modules_test.cpp
-  for (const LPCWSTR name :
-       {LPCWSTR{MAKEINTRESOURCEW(6)}, LPCWSTR{MAKEINTRESOURCEW(0)}, LPCWSTR{TEXT("First")}, LPCWSTR{TEXT("")}}) {
-========
   for (const LPCWSTR name : {LPCWSTR{MAKEINTRESOURCEW(6)}, LPCWSTR{MAKEINTRESOURCEW(0)}, LPCWSTR{TEXT("First")}, LPCWSTR{TEXT("")}}) {
->>>>>>>> wt-win-dll:tests/platform/virtual_modules_test.cpp
     EXPECT_EQ(GetProcAddressW(module, name), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PROC_NOT_FOUND});
   }
