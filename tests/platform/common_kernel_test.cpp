@@ -40,17 +40,25 @@ TEST(HostThreads, ThoseOfTheLibraryAreCountedUntilTheyEnd) {
   EXPECT_EQ(host::LibraryThreads(), before);
 }
 
-TEST(HostThreads, HandleIsSignalledAfterThreadLocalObjectsHaveGone) {
-  static DWORD gone = 0;
-  struct Local {
-    DWORD mark = 0;
-    ~Local() { gone = mark; }
-  };
-  TestThread([] {
-    thread_local Local local;
-    return local.mark = 5;
-  }).Join();
-  EXPECT_EQ(gone, 5u);
+TEST(HostThreads, OneThatHasBeenResumedIsNotEnded) {
+  const Handle go = ManualEvent();
+  TestThread thread([&] { return Wait(go); }, CREATE_SUSPENDED);
+  ResumeThread(thread.handle());
+  EXPECT_EQ(TerminateThread(thread.handle(), 7), FALSE);
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_SUPPORTED));
+  EXPECT_EQ(TerminateThread(go, 7), FALSE);
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+  Set(go);
+  EXPECT_EQ(thread.Join(), WAIT_OBJECT_0);
+}
+
+TEST(HostThreads, ThoseThatAreEndedUnresumedAreNotCounted) {
+  const std::size_t before = host::LibraryThreads();
+  TestThread thread([] { return 0; }, CREATE_SUSPENDED);
+  EXPECT_EQ(host::LibraryThreads(), before + 1);
+  TerminateThread(thread.handle(), 0);
+  thread.Join();
+  EXPECT_EQ(host::LibraryThreads(), before);
 }
 
 TEST(HostThreads, UnknownFlagsAreRefused) {

@@ -1,4 +1,4 @@
-// This host's handles.
+// This host's handles and threads.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -26,6 +26,19 @@ TEST(Handles, NeighboursOfAHandleNameNothing) {
   for (const std::uintptr_t wrong : {value + 1, value + 2, value | (std::uintptr_t{1} << 32), ~value}) {
     EXPECT_EQ(host::FindObject(reinterpret_cast<HANDLE>(wrong)), nullptr);
   }
+}
+
+TEST(HostThreads, HandleIsSignalledAfterThreadLocalObjectsHaveGone) {
+  static DWORD gone = 0;
+  struct Local {
+    DWORD mark = 0;
+    ~Local() { gone = mark; }
+  };
+  TestThread([] {
+    thread_local Local local;
+    return local.mark = 5;
+  }).Join();
+  EXPECT_EQ(gone, 5u);
 }
 
 }  // namespace
