@@ -111,6 +111,7 @@ static int ListenOn(const char* port, DWORD milliseconds, HWND window) {
   QCMUnregisterNotifyWindow(service, window);
   QCMCloseComm(service);
   printf("closed\n");
+  fflush(stdout);
   return EXIT_SUCCESS;
 }
 
@@ -132,6 +133,7 @@ int main(int argc, char** argv) {
   window = MakeWindow();
   if (window != NULL && PrepareSurroundings(port, window, EVENT_MESSAGE)) {
     result = ListenOn(port, milliseconds, window);
+    LeaveSurroundings();
   }
   DestroyWindow(window);
   return result;

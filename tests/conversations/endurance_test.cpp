@@ -164,10 +164,17 @@ class Talk {
  private:
   static constexpr std::size_t kMostInFlight = 12;
 
-  bool Fills() const { return left_ > 0 && in_flight_.size() < kMostInFlight; }
+  bool Fills() const { return left_ > 0 && in_flight_.size() < (rests_ ? 1 : kMostInFlight); }
+
+  // Now and then all is answered before the next command is sent, so that the world gets its turn.
+  void Rest() {
+    if (rests_) std::this_thread::sleep_for(std::chrono::microseconds(Below(random_, 5000)));
+    rests_ = Below(random_, 20) == 0;
+  }
 
   void Fill() {
     if (!Fills()) return;
+    Rest();
     in_flight_.push_back(commands_.Next(random_));
     unsent_ += qxtest::wire::CommandFrame(in_flight_.back().command);
     --left_;
@@ -179,7 +186,6 @@ class Talk {
         std::min<std::size_t>(unsent_.size(), 1 + Below(random_, Below(random_, 8) == 0 ? 80 : 12));
     controller_.Send(unsent_.substr(0, piece));
     unsent_.erase(0, piece);
-    if (Below(random_, 100) == 0) std::this_thread::sleep_for(std::chrono::microseconds(Below(random_, 3000)));
   }
 
   bool Take(milliseconds time) {
@@ -222,6 +228,7 @@ class Talk {
   Random random_;
   Commands commands_;
   int left_;
+  bool rests_ = false;
   int answered_ = 0;
   std::deque<Exchange> in_flight_;
   std::string unsent_;

@@ -118,10 +118,9 @@ bool ComPort::WaitForDriver(std::uint64_t start, DWORD* mask) {
     ::SetCommMask(port, static_cast<DWORD>(mask_changes_.load()));
     ::WaitForSingleObject(wait.event.get(), 1);
   }
-  DWORD ignored = 0;
-  const bool done = ::GetOverlappedResult(port, &wait.overlapped, &ignored, FALSE) != FALSE;
-  *mask = done ? events : 0;
-  return done || !go_on();
+  // What it has seen tells how it ended; its status may say "pending" for good under Wine, on a busy machine.
+  *mask = events;
+  return events != 0 || !go_on();
 }
 
 // ---- Bytes

@@ -30,9 +30,9 @@ fs::path FolderIn(const wchar_t* variable) {
   return folder.has_root_directory() ? fs::absolute(folder) : fs::path();
 }
 
-// TMPDIR is how Posix names the folder to whatever it starts.
+// Whoever starts the program from Posix cannot name the folder as Windows does, in TMP.
 fs::path TemporaryFolder() {
-  const fs::path folder = FolderIn(L"TMPDIR");
+  const fs::path folder = FolderIn(L"QXSIM_TMPDIR");
   return folder.empty() ? fs::temp_directory_path() : folder;
 }
 
