@@ -29,7 +29,8 @@ TEST_F(Modules, AreFoundInAnyLetterCaseWithOrWithoutTheEnding) {
 }
 
 TEST_F(Modules, AreNotFoundByAnotherName) {
-  for (const LPCWSTR name : {TEXT(""), TEXT("TestLibrary.exe"), TEXT("TestLibrary."), TEXT("Test"), TEXT("\\Windows\\TestLibrary.dll")}) {
+  for (const LPCWSTR name :
+       {TEXT(""), TEXT("TestLibrary.exe"), TEXT("TestLibrary."), TEXT("Test"), TEXT("\\Windows\\TestLibrary.dll")}) {
     EXPECT_EQ(GetModuleHandleW(name), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
   }
@@ -45,7 +46,8 @@ TEST_F(Modules, GiveTheirProceduresByOrdinal) {
 
 TEST_F(Modules, HaveNoOtherProcedures) {
   const HMODULE module = GetModuleHandleW(TEXT("TestLibrary"));
-  for (const LPCWSTR name : {LPCWSTR{MAKEINTRESOURCEW(6)}, LPCWSTR{MAKEINTRESOURCEW(0)}, LPCWSTR{TEXT("First")}, LPCWSTR{TEXT("")}}) {
+  for (const LPCWSTR name :
+       {LPCWSTR{MAKEINTRESOURCEW(6)}, LPCWSTR{MAKEINTRESOURCEW(0)}, LPCWSTR{TEXT("First")}, LPCWSTR{TEXT("")}}) {
     EXPECT_EQ(GetProcAddressW(module, name), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PROC_NOT_FOUND});
   }

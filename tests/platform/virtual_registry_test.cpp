@@ -283,7 +283,8 @@ TEST_F(RegistryDefaultsTest, HoldAZonesRulesAndNames) {
 
 TEST(RegistryPathText, NamesAKeyFromItsRootOn) {
   EXPECT_EQ(host::RegistryPathText({TEXT("HKLM"), TEXT("Software"), TEXT("a/b")}), "HKLM/Software/a\\/b");
-  EXPECT_EQ(host::ParseRegistryPath("HKLM/Software/a\\/b"), (host::RegistryPath{TEXT("HKLM"), TEXT("Software"), TEXT("a/b")}));
+  EXPECT_EQ(host::ParseRegistryPath("HKLM/Software/a\\/b"),
+            (host::RegistryPath{TEXT("HKLM"), TEXT("Software"), TEXT("a/b")}));
   EXPECT_EQ(host::ParseRegistryPath("HKU"), host::RegistryPath{TEXT("HKU")});
 }
 
