@@ -17,11 +17,12 @@ fs::path NewFolder() {
   return fs::temp_directory_path() / name;
 }
 
-// What is read-only is not removed.
-void RemoveAll(const fs::path& folder) {
+// By a path that the system takes as it stands: names as long as they may be, and "NUL" is a file.
+void RemoveAll(const fs::path& path) {
+  const fs::path folder = L"\\\\?\\" + path.native();
   std::error_code ignored;
   for (const auto& entry : fs::recursive_directory_iterator(folder, ignored)) {
-    fs::permissions(entry, fs::perms::owner_write, fs::perm_options::add, ignored);
+    fs::permissions(entry, fs::perms::owner_write, fs::perm_options::add, ignored);  // else it stays
   }
   EXPECT_NE(fs::remove_all(folder, ignored), static_cast<std::uintmax_t>(-1)) << ignored.message();
 }
@@ -40,7 +41,7 @@ ScratchFolder::~ScratchFolder() {
   qxtest::RemoveLinks();
   host::ClearFileRoot();
   host::SetFreeFileSpace(std::nullopt);
-  RemoveAll(fs::u8path(host_path_).parent_path().parent_path());
+  RemoveAll(fs::u8path(host_path_).make_preferred().parent_path().parent_path());
 }
 
 }  // namespace platform_test

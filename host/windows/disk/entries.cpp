@@ -1,11 +1,16 @@
 #include "windows/disk/entries.h"
 
+#include <winternl.h>
+
+#include <vector>
+
 #include "common/system/calendar.h"
 
 namespace host {
 namespace {
 
 constexpr DWORD kUsualPath = 512;
+constexpr std::size_t kLongestPath = 32768;
 
 // Those by which the system says that nothing is there.
 bool IsMissing(DWORD error) {
@@ -15,6 +20,18 @@ bool IsMissing(DWORD error) {
 bool SamePath(WideView one, WideView other) {
   return ::CompareStringOrdinal(one.data(), static_cast<int>(one.size()), other.data(), static_cast<int>(other.size()),
                                 TRUE) == CSTR_EQUAL;
+}
+
+// Wine gives no final path of more than MAX_PATH units, but the object's name that it would make it of.
+WideString NameOfObject(HANDLE open) {
+  constexpr auto kObjectName = static_cast<OBJECT_INFORMATION_CLASS>(1);
+  constexpr WideView kFront = TEXT("\\??\\");
+  std::vector<BYTE> room(kLongestPath * sizeof(WCHAR));
+  if (::NtQueryObject(open, kObjectName, room.data(), static_cast<ULONG>(room.size()), nullptr) != 0) return {};
+  const auto* name = reinterpret_cast<const UNICODE_STRING*>(room.data());
+  const WideView text(name->Buffer, name->Length / sizeof(WCHAR));
+  if (text.substr(0, kFront.size()) != kFront) return {};
+  return TEXT("\\\\?\\") + WideString(text.substr(kFront.size()));
 }
 
 DWORD Find(const WideString& path, DWORD access, DWORD share, Entry* entry) {
@@ -42,6 +59,7 @@ bool ReadFacts(HANDLE open, FileFacts* facts) {
 WideString FinalPath(HANDLE open) {
   WideString path(kUsualPath, TEXT('\0'));
   DWORD size = ::GetFinalPathNameByHandleW(open, path.data(), kUsualPath, FILE_NAME_NORMALIZED);
+  if (size == 0) return NameOfObject(open);
   if (size > kUsualPath) {
     path.resize(size);
     size = ::GetFinalPathNameByHandleW(open, path.data(), size, FILE_NAME_NORMALIZED);
