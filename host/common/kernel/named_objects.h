@@ -1,7 +1,7 @@
 // Events, mutexes and blocks that processes of one virtual instrument share by name.
 //
-// The objects of one instrument have a folder to themselves; processes that shall meet use the same folder. On Linux they
-// live in it, on Windows it only tells them from those of other instruments.
+// The objects of one instrument have a folder to themselves; processes that shall meet use the same folder. On Linux
+// they live in it, on Windows it only tells them from those of other instruments.
 #ifndef QXHOST_COMMON_KERNEL_NAMED_OBJECTS_H
 #define QXHOST_COMMON_KERNEL_NAMED_OBJECTS_H
 
