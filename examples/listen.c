@@ -133,8 +133,8 @@ int main(int argc, char** argv) {
   window = MakeWindow();
   if (window != NULL && PrepareSurroundings(port, window, EVENT_MESSAGE)) {
     result = ListenOn(port, milliseconds, window);
-    LeaveSurroundings();
   }
   DestroyWindow(window);
+  LeaveSurroundings();
   return result;
 }

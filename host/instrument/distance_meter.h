@@ -27,8 +27,9 @@ class DistanceMeter {
   static DistanceMeter& Instance();
   ~DistanceMeter();
 
-  /// Ends the measurement and the thread; the next start makes another. No service may be open. A program calls this
-  /// before it ends: Windows ends all other threads before the instance goes.
+  /// Ends the measurement and the thread; the next start makes another. No service may be open, and the event window's
+  /// thread must be free to handle a last event. A program calls this before it ends: Windows ends all other threads
+  /// before the instance goes.
   void Rest();
 
   /// Starts, or starts anew; returns a number for this start.

@@ -39,7 +39,8 @@ class Listen : public testing::Test {
   std::string Start(const std::vector<std::string>& options) {
     std::vector<std::string> arguments = {ListenProgram()};
     arguments.insert(arguments.end(), options.begin(), options.end());
-    process_ = std::make_unique<Process>(arguments);
+    // Named objects of its own, whatever instrument this process has had.
+    process_ = std::make_unique<Process>(arguments, "", std::vector<std::string>{"QX_OBJECTS="});
     std::string path;
     for (std::string line = NextLine(); line.find("listening on") != 0; line = NextLine()) {
       const std::size_t place = line.find(" is at ");

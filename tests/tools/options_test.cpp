@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/process.h"
+#include "support/qxsim_process.h"
 
 namespace qxtest {
 namespace {
@@ -102,10 +103,10 @@ TEST(OptionsTest, WrongUsageIsOneLineAndStatus2) {
 }
 
 TEST(OptionsTest, TheProgramSaysItsVersionAndHelpAndEndsWith0) {
-  const Outcome version = RunToEnd({Program("qxsim"), "--version"});
+  const Outcome version = RunToEnd({QxsimProgram(), "--version"});
   EXPECT_EQ(version.status, 0);
   EXPECT_EQ(version.output.rfind("qxsim ", 0), 0u);
-  const Outcome help = RunToEnd({Program("qxsim"), "--help"});
+  const Outcome help = RunToEnd({QxsimProgram(), "--help"});
   EXPECT_EQ(help.status, 0);
   for (const char* option : {"--port", "--device", "--link", "--home", "--ephemeral", "--http", "--http-anyone",
                              "--still", "--seed", "--pace", "--code-page", "--trace", "--version", "--help"}) {
@@ -114,7 +115,7 @@ TEST(OptionsTest, TheProgramSaysItsVersionAndHelpAndEndsWith0) {
 }
 
 TEST(OptionsTest, TheProgramEndsWith2OnWrongUsage) {
-  const Outcome outcome = RunToEnd({Program("qxsim"), "--port", "COM9:"});
+  const Outcome outcome = RunToEnd({QxsimProgram(), "--port", "COM9:"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.output, "");
   EXPECT_NE(outcome.errors.find("COM9:"), std::string::npos);

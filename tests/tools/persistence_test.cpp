@@ -59,8 +59,8 @@ TEST_F(PersistenceTest, ChangesFromEverySideSurviveARestart) {
 
 TEST_F(PersistenceTest, SurvivesAKillOfTheWholeProgram) {
   simulator_.reset();
-  const std::vector<std::string> arguments = {Program("qxsim"), "--home", options_.home,   "--http",
-                                              "127.0.0.1:0",    "--link", folder_ / "line"};
+  const std::vector<std::string> arguments = {QxsimProgram(), "--home", options_.home,   "--http",
+                                              "127.0.0.1:0",  "--link", folder_ / "line"};
   Process killed(arguments, folder_.path());
   const std::string ready = killed.ReadLine(std::chrono::seconds(20)).value_or("");
   HttpClient(ready.substr(ready.find("http://"))).Ask("PATCH", "/api/v1/state", kPatch);
@@ -129,7 +129,7 @@ TEST_F(PersistenceTest, ADamagedOrForeignFileStopsTheStartAndStaysAsItIs) {
 TEST_F(PersistenceTest, ADamagedFileIsExitStatus3AndOneClearLine) {
   simulator_.reset();
   Fill(File(), "{\"format\": ");
-  const Outcome outcome = RunToEnd({Program("qxsim"), "--home", options_.home, "--http", "off"}, folder_.path());
+  const Outcome outcome = RunToEnd({QxsimProgram(), "--home", options_.home, "--http", "off"}, folder_.path());
   EXPECT_EQ(outcome.status, 3);
   EXPECT_EQ(outcome.output, "");
   EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;

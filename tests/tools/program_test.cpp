@@ -27,7 +27,7 @@ std::size_t Entries(const std::string& folder) {
 }
 
 Outcome RunQxsim(const TemporaryFolder& folder, std::vector<std::string> options) {
-  options.insert(options.begin(), Program("qxsim"));
+  options.insert(options.begin(), QxsimProgram());
   return RunToEnd(options, folder.path());
 }
 
@@ -56,7 +56,7 @@ TEST(QxsimProgramTest, AnswersAControllerThatOpensTheLink) {
 
 TEST(QxsimProgramTest, TakesARelativeLinkAndSaysItsAbsolutePath) {
   TemporaryFolder folder;
-  Process process({Program("qxsim"), "--ephemeral", "--http", "off"}, folder.path(), {"TMPDIR=" + folder.path()});
+  Process process({QxsimProgram(), "--ephemeral", "--http", "off"}, folder.path(), {"TMPDIR=" + folder.path()});
   EXPECT_EQ(process.ReadLine(std::chrono::seconds(20)), "qxsim ready port=" + folder / "qx-com5" + " http=off");
   process.Signal(SIGTERM);
   EXPECT_EQ(process.Wait(std::chrono::seconds(20)), 0);
@@ -72,7 +72,7 @@ TEST(QxsimProgramTest, AHangUpEndsItLikeTheOtherSignals) {
 TEST(QxsimProgramTest, EphemeralLeavesNothingBehind) {
   TemporaryFolder temporary;
   TemporaryFolder work;
-  Process process({Program("qxsim"), "--ephemeral", "--http", "off"}, work.path(), {"TMPDIR=" + temporary.path()});
+  Process process({QxsimProgram(), "--ephemeral", "--http", "off"}, work.path(), {"TMPDIR=" + temporary.path()});
   ASSERT_TRUE(process.ReadLine(std::chrono::seconds(20)));
   EXPECT_EQ(Entries(temporary.path()), 1u);
   EXPECT_EQ(Entries(work.path()), 2u);
@@ -86,7 +86,7 @@ TEST(QxsimProgramTest, EphemeralLeavesNothingBehindWhenItCannotStart) {
   TemporaryFolder temporary;
   TemporaryFolder work;
   std::ofstream(work / "qx-com5") << "kept";
-  Process process({Program("qxsim"), "--ephemeral", "--http", "off"}, work.path(), {"TMPDIR=" + temporary.path()});
+  Process process({QxsimProgram(), "--ephemeral", "--http", "off"}, work.path(), {"TMPDIR=" + temporary.path()});
   EXPECT_EQ(process.Wait(std::chrono::seconds(20)), 3);
   EXPECT_EQ(Entries(temporary.path()), 0u);
   EXPECT_EQ(Entries(work.path()), 1u);
@@ -101,7 +101,7 @@ TEST(QxsimProgramTest, KeepsItsHomeWithTheInstrumentsFilesInIt) {
 
 TEST(QxsimProgramTest, FindsTheUsersHomeWhenNoneIsNamed) {
   TemporaryFolder data;
-  Process process({Program("qxsim"), "--http", "off"}, data.path(), {"XDG_DATA_HOME=" + data.path()});
+  Process process({QxsimProgram(), "--http", "off"}, data.path(), {"XDG_DATA_HOME=" + data.path()});
   ASSERT_TRUE(process.ReadLine(std::chrono::seconds(20)));
   EXPECT_TRUE(fs::is_directory(data / "qxsim/files"));
 }
@@ -116,7 +116,7 @@ TEST(QxsimProgramTest, RefusesAHomeInUse) {
 
 TEST(QxsimProgramTest, TakesAHomeOverAfterItsUserWasKilled) {
   TemporaryFolder folder;
-  const std::vector<std::string> arguments = {Program("qxsim"), "--home", "home", "--http", "off"};
+  const std::vector<std::string> arguments = {QxsimProgram(), "--home", "home", "--http", "off"};
   Process killed(arguments, folder.path());
   ASSERT_TRUE(killed.ReadLine(std::chrono::seconds(20)));
   killed.Signal(SIGKILL);
@@ -137,7 +137,7 @@ TEST(QxsimProgramTest, RefusesAHomeThatCannotBeMade) {
 TEST(QxsimProgramTest, ReplacesAnOldLinkButNoOtherFile) {
   TemporaryFolder folder;
   fs::create_symlink("/nowhere", folder / "old");
-  Process process({Program("qxsim"), "--ephemeral", "--http", "off", "--link", "old"}, folder.path(),
+  Process process({QxsimProgram(), "--ephemeral", "--http", "off", "--link", "old"}, folder.path(),
                   {"TMPDIR=" + folder.path()});
   ASSERT_TRUE(process.ReadLine(std::chrono::seconds(20)));
   EXPECT_NE(fs::read_symlink(folder / "old"), "/nowhere");

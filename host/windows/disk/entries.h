@@ -11,7 +11,7 @@
 #include <cstdint>
 
 #include "common/text/utf.h"
-#include "windows/disk/system_handle.h"
+#include "windows/kernel/system_handle.h"
 
 namespace host {
 

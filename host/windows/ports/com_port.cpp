@@ -39,7 +39,7 @@ class OnlyOne {
 // One call of the driver that may go on after its return.
 struct Pending {
   Pending() { overlapped.hEvent = event.get(); }
-  const OwnHandle event{NewEvent(Reset::kManual)};
+  const SystemHandle event{::CreateEventW(nullptr, TRUE, FALSE, nullptr)};
   OVERLAPPED overlapped = {};
 };
 
@@ -48,7 +48,7 @@ struct Pending {
 std::shared_ptr<ComPort> ComPort::Open(std::shared_ptr<ComLine> line) {
   std::shared_ptr<ComPort> port(new ComPort(std::move(line)));
   DWORD error = ERROR_TOO_MANY_OPEN_FILES;
-  if (port->wake_ && port->closed_event_) error = port->line_->Join(port.get());
+  if (port->wake_.valid() && port->closed_event_.valid()) error = port->line_->Join(port.get());
   if (error != NO_ERROR) return Fail(error, std::shared_ptr<ComPort>());
   port->handle_ = port->line_->handle();
   return port;
