@@ -12,6 +12,7 @@ target_include_directories(platform_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
 # Before the system's own import libraries: the calls of the tests go the way that the library's go.
 target_link_libraries(platform_tests PRIVATE coredll qxinstrument GTest::gtest ws2_32 qx_options)
 target_precompile_headers(platform_tests PRIVATE <gtest/gtest.h>)
+add_dependencies(platform_tests qxsystem)  # tests load it
 
 # The real DLL as a C program and a C++ program load it.
 add_executable(abi_tests abi/c_program.c abi/c_program.h abi/header_test.cpp)
