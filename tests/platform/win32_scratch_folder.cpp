@@ -17,14 +17,16 @@ fs::path NewFolder() {
   return fs::temp_directory_path() / name;
 }
 
-// By a path that the system takes as it stands: names as long as they may be, and "NUL" is a file.
+// By a path that the system takes as it stands: names as long as they may be, and "NUL" is a file. What is read-only
+// stays at first.
 void RemoveAll(const fs::path& path) {
   const fs::path folder = L"\\\\?\\" + path.native();
-  std::error_code ignored;
-  for (const auto& entry : fs::recursive_directory_iterator(folder, ignored)) {
-    fs::permissions(entry, fs::perms::owner_write, fs::perm_options::add, ignored);  // else it stays
+  std::error_code error;
+  if (fs::remove_all(folder, error) != static_cast<std::uintmax_t>(-1)) return;
+  for (const auto& entry : fs::recursive_directory_iterator(folder, error)) {
+    fs::permissions(entry, fs::perms::owner_write, fs::perm_options::add, error);
   }
-  EXPECT_NE(fs::remove_all(folder, ignored), static_cast<std::uintmax_t>(-1)) << ignored.message();
+  EXPECT_NE(fs::remove_all(folder, error), static_cast<std::uintmax_t>(-1)) << error.message();
 }
 
 }  // namespace

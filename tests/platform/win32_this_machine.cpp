@@ -1,11 +1,13 @@
 // Windows makes links itself, for who may. Wine takes the call and makes none: there the machine behind it makes them,
-// as it may do whenever it likes.
+// as it may do whenever it likes. It also makes many files in no time, where Wine looks through the whole folder for
+// each.
 #include "win32_this_machine.h"
 
 #include <process.h>
 #include <windows.h>
 
 #include <chrono>
+#include <fstream>
 #include <stdexcept>
 #include <thread>
 
@@ -84,6 +86,18 @@ void RemoveLinks() {
   const bool behind_wine = !Made().empty() && !UnixName(Made().at(0).place).empty();
   if (behind_wine) RunBehindWine(commands, Made().at(0).place.parent_path().parent_path());
   Made().clear();
+}
+
+void MakeManyFiles(const fs::path& folder, int count) {
+  const std::string behind = UnixName(folder);
+  if (!behind.empty()) {
+    const std::string names = "seq -f 'file %.0f.txt' 0 " + std::to_string(count - 1);
+    return RunBehindWine("cd " + Quoted(behind) + " && " + names + " | xargs -d '\\n' touch && ", folder.parent_path());
+  }
+  for (int i = 0; i < count; ++i) {
+    std::ofstream file(folder / ("file " + std::to_string(i) + ".txt"));
+    if (!file) throw std::runtime_error("no file in " + folder.u8string());
+  }
 }
 
 std::vector<std::string> NamesOf(const fs::path& path) {
