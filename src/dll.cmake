@@ -9,6 +9,11 @@ set(QX_IMPORT_LIBRARIES coredll qxsystem bthutil paramblk opvlib CACHE STRING "i
 
 # Small, and the same bytes wherever it is built.
 set(compile_options -Os -ffunction-sections -fdata-sections -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+set(runtime ${PROJECT_SOURCE_DIR}/runtime)  # what keeps large parts of this compiler's runtime out of the DLL
+if(MINGW)
+  list(APPEND compile_options -include ${runtime}/own_strings.h)
+  set(runtime_sources ${runtime}/terminate.cpp)
+endif()
 set(link_options -static -Os -s -Wl,--gc-sections -Wl,--no-insert-timestamp)
 target_compile_options(qxcommmgr_parts PRIVATE ${compile_options})
 
@@ -17,7 +22,7 @@ configure_file(api/version.rc.in ${version_resource} @ONLY)
 
 # Defines the target; the two calls that know the battery are compiled for it, all else comes from the parts.
 function(qx_dll target folder battery_ordinal battery_mask)
-  add_library(${target} SHARED api/QXCommMgr.def platform/battery_query.cpp ${version_resource})
+  add_library(${target} SHARED api/QXCommMgr.def platform/battery_query.cpp ${runtime_sources} ${version_resource})
   set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME QXCommMgr
     RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${folder} ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${folder})
   target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} INTERFACE ${PROJECT_SOURCE_DIR}/include)

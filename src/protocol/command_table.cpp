@@ -27,30 +27,32 @@ constexpr CommandEntry kTools[] = {
 
 constexpr std::size_t kWordLength = 6;
 
-// Both tables behind one hash of the word: a look-up costs the same however many commands there are.
+// Both tables behind one hash of the word: a look-up costs the same however many commands there are. A slot holds the
+// number of its row, counted from 1 through both tables.
 class Index {
  public:
   Index() {
-    for (const CommandEntry& entry : kMain) Insert(entry, false);
-    for (const CommandEntry& entry : kTools) Insert(entry, true);
+    for (std::size_t number = 1; number <= std::size(kMain) + std::size(kTools); ++number) Insert(number);
   }
 
   CommandHandler Find(std::string_view word, bool tools_mode) const {
     if (word.size() != kWordLength) return nullptr;
-    for (std::size_t at = Hash(word);; at = (at + 1) % kSlots) {
-      const Slot& slot = slots_[at];
-      if (slot.word.empty()) return nullptr;
-      if (slot.word == word) return slot.tools_only && !tools_mode ? nullptr : slot.handler;
+    for (std::size_t at = Hash(word); slots_[at] != kFree; at = (at + 1) % kSlots) {
+      const CommandEntry& entry = Row(slots_[at]);
+      if (entry.word == word) return IsToolsOnly(slots_[at]) && !tools_mode ? nullptr : entry.handler;
     }
+    return nullptr;
   }
 
  private:
   static constexpr std::size_t kSlots = 256;  // a power of two, far more than there are words
-  struct Slot {
-    std::string_view word;
-    CommandHandler handler = nullptr;
-    bool tools_only = false;
-  };
+  static constexpr std::uint8_t kFree = 0;
+
+  static bool IsToolsOnly(std::size_t number) { return number > std::size(kMain); }
+
+  static const CommandEntry& Row(std::size_t number) {
+    return IsToolsOnly(number) ? kTools[number - std::size(kMain) - 1] : kMain[number - 1];
+  }
 
   static std::size_t Hash(std::string_view word) {
     std::uint64_t letters = 0;
@@ -58,13 +60,13 @@ class Index {
     return (letters * 0x9E3779B97F4A7C15u) >> 56;
   }
 
-  void Insert(const CommandEntry& entry, bool tools_only) {
-    std::size_t at = Hash(entry.word);
-    while (!slots_[at].word.empty()) at = (at + 1) % kSlots;
-    slots_[at] = {entry.word, entry.handler, tools_only};
+  void Insert(std::size_t number) {
+    std::size_t at = Hash(Row(number).word);
+    while (slots_[at] != kFree) at = (at + 1) % kSlots;
+    slots_[at] = static_cast<std::uint8_t>(number);
   }
 
-  std::array<Slot, kSlots> slots_;
+  std::array<std::uint8_t, kSlots> slots_{};
 };
 
 const Index kIndex;  // built before the library's entry point runs

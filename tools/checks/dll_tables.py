@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Checks the export and the import table of the built DLL, as objdump prints them.
+"""Checks the export and the import table of the built DLL, as objdump prints them, and its size.
 
 Exports: what the public header declares, with the ordinals of the .def, and nothing else. Imports: COREDLL.dll by names
 that Windows CE offers, the instrument's libraries as src/platform declares them (by ordinal or by name), and from the
-desktop only what runtime_imports.txt lists: no call that the library itself makes.
+desktop only what runtime_imports.txt lists: no call that the library itself makes. Size: at most LARGEST bytes.
 """
 import argparse
 import re
@@ -19,6 +19,7 @@ HEADER = "include/QXCommMgr.h"
 DEFINITION = "src/api/QXCommMgr.def"
 TABLES_BY_ORDINAL = {"QxSystem.dll": "src/platform/qxsystem_calls.h", "BTHUTIL.dll": "src/platform/bthutil_calls.h"}
 CALLS_BY_NAME = "src/platform/instrument_libraries.h"
+LARGEST = 300_000  # bytes of the stripped file, the runtime included
 
 
 class Tables:
@@ -122,16 +123,22 @@ def import_problems(root, tables, own_calls):
     return problems
 
 
-def summary(dll, tables, problems):
+def size_problems(size):
+    return [f"{size} bytes are {size - LARGEST} too many"] if size > LARGEST else []
+
+
+def summary(dll, size, tables, problems):
     libraries = ", ".join(f"{library} {len(members)}" for library, members in sorted(tables.imports.items()))
-    return f"dll tables: {dll}: {len(tables.exports)} exports; imports: {libraries}; {len(problems)} problems"
+    return (f"dll tables: {dll}: {size} bytes; {len(tables.exports)} exports; imports: {libraries}; "
+            f"{len(problems)} problems")
 
 
 def check(root, dll, objects, prefix="x86_64-w64-mingw32-"):
     text = subprocess.run([prefix + "objdump", "-p", str(dll)], check=True, capture_output=True, text=True).stdout
-    tables = Tables(text)
+    tables, size = Tables(text), dll.stat().st_size
     problems = export_problems(root, tables) + import_problems(root, tables, ce_names.undefined_symbols(objects))
-    return problems, summary(dll, tables, problems)
+    problems += size_problems(size)
+    return problems, summary(dll, size, tables, problems)
 
 
 if __name__ == "__main__":

@@ -2,6 +2,7 @@
 """Proves that the check of the DLL's tables can fail: each test puts one fault into a table and expects it to be named."""
 import tempfile
 import unittest
+import unittest.mock
 from pathlib import Path
 
 import dll_tables
@@ -118,6 +119,24 @@ class DllTablesTest(unittest.TestCase):
 
     def test_names_everything_where_there_is_nothing_to_read(self):
         self.assertGreater(len(self.problems(text="objdump: file format not recognized")), len(ORDINALS))
+
+    def test_names_a_size_beyond_the_limit(self):
+        self.assertEqual(dll_tables.LARGEST, 300_000)
+        self.assertEqual(dll_tables.size_problems(300_000), [])
+        self.assertEqual(dll_tables.size_problems(300_001), ["300001 bytes are 1 too many"])
+
+    def test_counts_the_bytes_of_the_file(self):
+        with tempfile.TemporaryDirectory() as folder:
+            objdump = Path(folder) / "objdump"
+            objdump.write_text("#!/bin/sh\necho no tables\n")
+            objdump.chmod(0o755)
+            dll = Path(folder) / "QXCommMgr.dll"
+            for size, too_large in ((300_000, False), (300_512, True)):
+                dll.write_bytes(bytes(size))
+                with unittest.mock.patch("ce_names.undefined_symbols", return_value=OWN_CALLS):
+                    problems, last_line = dll_tables.check(ROOT, dll, [], prefix=folder + "/")
+                self.assertEqual("300512 bytes are 512 too many" in problems, too_large)
+                self.assertIn(f"{size} bytes; 0 exports", last_line)
 
     def test_the_runtimes_list_is_whole(self):
         rows = [row for row in dll_tables.RUNTIME.read_text().splitlines() if row and not row.startswith("#")]
