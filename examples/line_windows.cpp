@@ -1,10 +1,12 @@
-// The machine's own port of that name.
+// The machine's own port of that name, or the one that LISTEN_DEVICE names.
+#include <cstdlib>
+
 #include "common/ports/ports.h"
 #include "line.h"
 
 std::string LeadToALine(const std::string& port) {
-  std::string device = port;
-  if (!device.empty() && device.back() == ':') device.pop_back();
+  const char* other = std::getenv("LISTEN_DEVICE");
+  const std::string device = other != nullptr ? other : port.substr(0, port.find(':'));
   host::AttachDevice(port, device);
   return device;
 }

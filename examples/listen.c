@@ -111,6 +111,7 @@ static int ListenOn(const char* port, DWORD milliseconds, HWND window) {
   QCMUnregisterNotifyWindow(service, window);
   QCMCloseComm(service);
   printf("closed\n");
+  fflush(stdout);
   return EXIT_SUCCESS;
 }
 
@@ -134,5 +135,6 @@ int main(int argc, char** argv) {
     result = ListenOn(port, milliseconds, window);
   }
   DestroyWindow(window);
+  LeaveSurroundings();
   return result;
 }

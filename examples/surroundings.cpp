@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <exception>
 
+#include "instrument/distance_meter.h"
 #include "instrument/event_window.h"
 #include "line.h"
 
@@ -26,6 +27,11 @@ int PrepareSurroundings(const char* port, HWND window, UINT event_message) {
     return 0;
   }
   return 1;
+}
+
+void LeaveSurroundings(void) {
+  host::instrument::ResetEventWindow();
+  host::instrument::DistanceMeter::Instance().Rest();
 }
 
 int AskedToEnd(void) { return asked_to_end; }

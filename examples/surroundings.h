@@ -12,6 +12,10 @@ extern "C" {
  * message number (at least 1024); begins to watch for Ctrl-C. On failure it says why and returns 0. */
 int PrepareSurroundings(const char* port, HWND window, UINT event_message);
 
+/* What PrepareSurroundings has begun ends. No service may be open, and the window must be gone: it may be sent an event
+ * to the last. */
+void LeaveSurroundings(void);
+
 /* Whether Ctrl-C has been pressed. */
 int AskedToEnd(void);
 

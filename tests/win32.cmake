@@ -7,18 +7,29 @@ add_subdirectory(${QX_GOOGLETEST}/googletest ${CMAKE_CURRENT_BINARY_DIR}/googlet
 add_compile_options(-O0)
 file(GLOB sources CONFIGURE_DEPENDS platform/*.cpp platform/*.h)
 list(FILTER sources EXCLUDE REGEX "/host_[^/]*$")
-add_executable(platform_tests ${sources} support/pe_file.cpp)
+add_executable(platform_tests ${sources} support/path_spellings.cpp support/pe_file.cpp)
 target_include_directories(platform_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
 # Before the system's own import libraries: the calls of the tests go the way that the library's go.
 target_link_libraries(platform_tests PRIVATE coredll qxinstrument GTest::gtest ws2_32 qx_options)
 target_precompile_headers(platform_tests PRIVATE <gtest/gtest.h>)
+add_dependencies(platform_tests qxsystem)  # tests load it
+
+# The real DLL as a C program and a C++ program load it.
+add_executable(abi_tests abi/c_program.c abi/c_program.h abi/header_test.cpp)
+target_include_directories(abi_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_libraries(abi_tests PRIVATE qxcommmgr GTest::gtest_main qx_options)
 
 # The prefix and its server are up for as long as tests run.
 set(wine ${PROJECT_SOURCE_DIR}/scripts/wine)
-set_target_properties(platform_tests PROPERTIES CROSSCOMPILING_EMULATOR "${wine};run")
+set_target_properties(platform_tests abi_tests PROPERTIES CROSSCOMPILING_EMULATOR "${wine};run")
 add_test(NAME wine.start COMMAND ${wine} start)
 add_test(NAME wine.stop COMMAND ${wine} stop)
 set_tests_properties(wine.start PROPERTIES FIXTURES_SETUP wine)
 set_tests_properties(wine.stop PROPERTIES FIXTURES_CLEANUP wine)
-gtest_discover_tests(platform_tests TEST_PREFIX platform. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
-  PROPERTIES TIMEOUT 120 FIXTURES_REQUIRED wine)
+foreach(folder platform abi)
+  set(discovery TEST_PREFIX ${folder}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120)
+  gtest_discover_tests(${folder}_tests ${discovery} TEST_FILTER "-*InTime*"
+    PROPERTIES TIMEOUT 120 FIXTURES_REQUIRED wine)
+  gtest_discover_tests(${folder}_tests ${discovery} TEST_FILTER "*InTime*" TEST_LIST ${folder}_tests_in_time
+    PROPERTIES TIMEOUT 120 FIXTURES_REQUIRED wine LABELS in_time)
+endforeach()

@@ -19,13 +19,19 @@ DistanceMeter& DistanceMeter::Instance() {
   return meter;
 }
 
-DistanceMeter::~DistanceMeter() {
+DistanceMeter::~DistanceMeter() { Rest(); }
+
+void DistanceMeter::Rest() {
   {
     std::lock_guard guard(mutex_);
     quit_ = true;
   }
   changed_.notify_all();
   if (thread_.joinable()) thread_.join();
+  std::lock_guard guard(mutex_);
+  state_.running = false;
+  end_announced_ = true;
+  quit_ = false;
 }
 
 std::uint64_t DistanceMeter::Start(std::uint32_t mode, std::uint32_t target) {

@@ -27,6 +27,11 @@ class DistanceMeter {
   static DistanceMeter& Instance();
   ~DistanceMeter();
 
+  /// Ends the measurement and the thread; the next start makes another. No service may be open, and the event window's
+  /// thread must be free to handle a last event. A program calls this before it ends: Windows ends all other threads
+  /// before the instance goes.
+  void Rest();
+
   /// Starts, or starts anew; returns a number for this start.
   std::uint64_t Start(std::uint32_t mode, std::uint32_t target);
   void Stop();

@@ -1,14 +1,12 @@
-// The disk: full, write-protected, not there, and the errors of this machine.
+// The disk: full or write-protected by this machine, and its errors.
 #include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <cerrno>
 #include <csignal>
-#include <system_error>
 #include <utility>
 
-#include "common/files/file_root.h"
-#include "host_files.h"
+#include "instrument_files.h"
 #include "posix/disk/host_errors.h"
 
 namespace platform_test {
@@ -31,44 +29,8 @@ class LoweredLimit {
   rlimit before_{};
 };
 
-using DiskSpace = HostFiles;
-using FileRoot = HostFiles;
-
-TEST_F(DiskSpace, AFullDiskTakesNoMoreAndKeepsWhatItHas) {
-  MakeFile(TEXT("a"), "0123456789");
-  host::SetFreeFileSpace(5);
-  const HANDLE file = Open(TEXT("a"));
-  SetFilePointer(file, 8, nullptr, FILE_BEGIN);
-  DWORD written = 77;
-  EXPECT_EQ(Error(WriteFile(file, "abcdefgh", 8, &written, nullptr) != FALSE), DWORD{ERROR_DISK_FULL});
-  EXPECT_EQ(written, 0u);
-  EXPECT_EQ(SetFilePointer(file, 0, nullptr, FILE_CURRENT), 8u);
-  EXPECT_TRUE(WriteBytes(file, "abcdefg"));
-  EXPECT_EQ(Error(WriteBytes(file, "h")), DWORD{ERROR_DISK_FULL});
-  CloseHandle(file);
-  EXPECT_EQ(Content(TEXT("a")), "01234567abcdefg");
-}
-
-TEST_F(DiskSpace, DeletingGivesRoomAgain) {
-  MakeFile(TEXT("old"), "0123456789");
-  host::SetFreeFileSpace(0);
-  const HANDLE file = Create(TEXT("new"));
-  EXPECT_FALSE(WriteBytes(file, "x"));
-  EXPECT_TRUE(Delete(TEXT("old")));
-  EXPECT_TRUE(WriteBytes(file, "0123456789"));
-  EXPECT_FALSE(WriteBytes(file, "x"));
-  CloseHandle(file);
-}
-
-TEST_F(DiskSpace, ACopyThatDoesNotFitIsRemoved) {
-  MakeFile(TEXT("a"), std::string(200000, 'x'));
-  host::SetFreeFileSpace(100000);
-  EXPECT_EQ(Error(Copy(TEXT("a"), TEXT("b"))), DWORD{ERROR_DISK_FULL});
-  EXPECT_EQ(All(), Names{TEXT("a")});
-  const HANDLE file = Create(TEXT("c"));
-  EXPECT_TRUE(WriteBytes(file, std::string(100000, 'x')));  // all the room is there again
-  CloseHandle(file);
-}
+using DiskSpace = InstrumentFiles;
+using FileRoot = InstrumentFiles;
 
 TEST_F(DiskSpace, WhatThisMachineTakesOnlyInPartIsTakenBack) {
   MakeFile(TEXT("a"), "0123456789");
@@ -101,27 +63,6 @@ TEST_F(DiskSpace, ErrorsOfThisMachineBecomeThePlatforms) {
       {EACCES, ERROR_ACCESS_DENIED}, {ENOTSUP, ERROR_NOT_SUPPORTED},      {EXDEV, ERROR_NOT_SAME_DEVICE},
       {ELOOP, ERROR_FILE_NOT_FOUND}, {ENOTDIR, ERROR_PATH_NOT_FOUND},     {EPROTO, ERROR_GEN_FAILURE}};
   for (const auto& [host_error, error] : pairs) EXPECT_EQ(host::ErrorFrom(host_error), error) << host_error;
-}
-
-TEST_F(FileRoot, WithoutOneNoPathIsFound) {
-  host::ClearFileRoot();
-  WIN32_FIND_DATAW found;
-  EXPECT_EQ(Error(Attributes(TEXT("a"))), DWORD{ERROR_PATH_NOT_FOUND});
-  EXPECT_EQ(Error(GetFileAttributesW(TEXT("\\"))), DWORD{ERROR_PATH_NOT_FOUND});
-  EXPECT_EQ(Error(Create(TEXT("a"))), DWORD{ERROR_PATH_NOT_FOUND});
-  EXPECT_EQ(Error(Open(TEXT("a"))), DWORD{ERROR_PATH_NOT_FOUND});
-  EXPECT_EQ(Error(CreateDirectoryW(TEXT("\\a"), nullptr) != FALSE), DWORD{ERROR_PATH_NOT_FOUND});
-  EXPECT_EQ(Error(Remove(TEXT("a"))), DWORD{ERROR_PATH_NOT_FOUND});
-  EXPECT_EQ(Error(Delete(TEXT("a"))), DWORD{ERROR_PATH_NOT_FOUND});
-  EXPECT_EQ(Error(Copy(TEXT("a"), TEXT("b"))), DWORD{ERROR_PATH_NOT_FOUND});
-  EXPECT_EQ(Error(Move(TEXT("a"), TEXT("b"))), DWORD{ERROR_PATH_NOT_FOUND});
-  EXPECT_EQ(Error(FindFirstFileW(TEXT("\\*"), &found)), DWORD{ERROR_PATH_NOT_FOUND});
-}
-
-TEST_F(FileRoot, MustBeAFolder) {
-  MakeHostFile("a");
-  EXPECT_THROW(host::SetFileRoot(HostPath("a")), std::system_error);
-  EXPECT_THROW(host::SetFileRoot(HostPath("none")), std::system_error);
 }
 
 TEST_F(FileRoot, ThatItsOwnerCannotWriteIsAProtectedDisk) {

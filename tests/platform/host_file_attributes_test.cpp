@@ -4,13 +4,13 @@
 #include <cstdint>
 
 #include "common/files/file_root.h"
-#include "host_files.h"
+#include "instrument_files.h"
 #include "posix/disk/attributes.h"
 
 namespace platform_test {
 namespace {
 
-using KeptAttributes = HostFiles;
+using KeptAttributes = InstrumentFiles;
 
 TEST_F(KeptAttributes, AFileThatItsOwnerCannotWriteIsReadOnly) {
   MakeHostFile("a", "kept");

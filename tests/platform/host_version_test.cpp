@@ -1,4 +1,4 @@
-// Version resources of damaged files, of files that another compiler made, and calls with bad arguments.
+// Version resources of damaged files and of one that another compiler made, as this host reads them.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -127,66 +127,6 @@ TEST(VersionOfADamagedFile, NeverLeavesTheBufferWhateverTheBlocksSay) {
       }
     }
   }
-}
-
-TEST(VersionInfoCalls, CutTheResourceToTheBuffer) {
-  const ModuleFile module(PeFile(VersionResource({kTable})));
-  const DWORD size = GetFileVersionInfoSizeW(module.path(), nullptr);
-  for (DWORD cut = 6; cut <= size; ++cut) {
-    FileBytes resource(cut);
-    ASSERT_TRUE(GetFileVersionInfoW(module.path(), 0, cut, resource.data()));
-    const std::u16string text = TextOf(resource, kFileVersion);
-    ASSERT_TRUE(text == u"?" || std::u16string(u"1.2.3.4").rfind(text, 0) == 0) << cut;
-  }
-}
-
-TEST(VersionInfoCalls, LeaveTheRestOfALargerBufferAlone) {
-  const ModuleFile module(PeFile(VersionResource({kTable})));
-  const DWORD size = GetFileVersionInfoSizeW(module.path(), nullptr);
-  FileBytes resource(size + 100, 0xCD);
-  ASSERT_TRUE(GetFileVersionInfoW(module.path(), 0, size + 100, resource.data()));
-  EXPECT_EQ(std::count(resource.begin() + size, resource.end(), 0xCD), 100);
-  EXPECT_EQ(TextOf(resource, kFileVersion), u"1.2.3.4");
-}
-
-TEST(VersionInfoCalls, RefuseBadArguments) {
-  const ModuleFile module(PeFile(VersionResource({kTable})));
-  std::uint8_t buffer[5];
-  EXPECT_EQ(GetFileVersionInfoSizeW(nullptr, nullptr), 0u);
-  EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-  EXPECT_FALSE(GetFileVersionInfoW(module.path(), 0, 100, nullptr));
-  EXPECT_EQ(GetLastError(), ERROR_INVALID_DATA);
-  EXPECT_FALSE(GetFileVersionInfoW(module.path(), 0, sizeof buffer, buffer));
-  EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
-  const FileBytes resource = VersionResource({kTable});
-  void* value = nullptr;
-  UINT size = 0;
-  EXPECT_FALSE(VerQueryValueW(nullptr, u"\\", &value, &size));
-  EXPECT_FALSE(VerQueryValueW(resource.data(), nullptr, &value, &size));
-  EXPECT_FALSE(VerQueryValueW(resource.data(), u"\\", nullptr, &size));
-  EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-  EXPECT_TRUE(VerQueryValueW(resource.data(), u"", &value, nullptr));
-}
-
-TEST(VersionInfoCalls, PointToAZeroForAValueOfNoLength) {
-  const FileBytes resource = VersionBlock(u"VS_VERSION_INFO", false, {}, 0, {VersionBlock(u"A", true, {}, 0, {})});
-  void* value = nullptr;
-  UINT size = 7;
-  ASSERT_TRUE(VerQueryValueW(resource.data(), u"\\A", &value, &size));
-  EXPECT_EQ(size, 0u);
-  EXPECT_EQ(*static_cast<const WCHAR*>(value), 0);
-}
-
-TEST(VersionInfoCalls, NeverOpenADevice) {
-  EXPECT_EQ(GetFileVersionInfoSizeW(u"COM5:", nullptr), 0u);
-  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-}
-
-TEST(VersionInfoCalls, CloseTheFile) {
-  const ModuleFile module(PeFile(VersionResource({kTable})));
-  const std::size_t before = host::LibraryHandles();
-  EXPECT_NE(GetFileVersionInfoSizeW(module.path(), nullptr), 0u);
-  EXPECT_EQ(host::LibraryHandles(), before);
 }
 
 /// A file without an end.

@@ -137,11 +137,11 @@ TEST(SerialPort, WriteGivesUpWhenTheControllerNeverReads) {
   OpenedPort port(100);
   const std::string bytes(1 << 20, 'w');
   const Clock::time_point start = Clock::now();
-  const DWORD first = port.Write(bytes);
+  DWORD gone = port.Write(bytes);
   EXPECT_GE(Clock::now() - start, milliseconds(95));
-  EXPECT_LT(first, bytes.size());
-  EXPECT_EQ(port.Write("more"), 0u);
-  EXPECT_EQ(line.Receive(first), std::string(first, 'w'));
+  while (const DWORD more = port.Write(bytes)) gone += more;  // what lies on the way may give a little room yet
+  EXPECT_LT(gone, bytes.size());
+  EXPECT_EQ(line.Receive(gone), std::string(gone, 'w'));
   EXPECT_EQ(port.Write("more"), 4u);
   EXPECT_EQ(line.Receive(4), "more");
 }

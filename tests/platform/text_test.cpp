@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -67,6 +69,58 @@ TEST(Text, WhatTheCodePageLacksBecomesTheDefaultCharacter) {
   EXPECT_FALSE(used);
 }
 
+TEST(Text, WhatLooksAlikeStandsForWhatTheCodePageLacks) {
+  EXPECT_EQ(Narrow(TEXT("\u0100\u010D\u0142\u2013\u2032\u221A\uFF21\u3000"), 1252), "Acl\x96'vA ");
+  EXPECT_EQ(Narrow(TEXT("\u00E4\u00D8\u00B5\u00A2"), 932), "aO\x83\xCA\x81\x91");
+  BOOL used = TRUE;
+  char text[2];
+  EXPECT_EQ(WideCharToMultiByte(1252, 0, TEXT("\u0100"), 1, text, 2, "#", &used), 1);
+  EXPECT_FALSE(used);
+}
+
+/// Every number but zero through the call, and all that it makes in one sum (FNV-1a).
+template <class Convert>
+std::uint64_t SumOfAll(const Convert& convert) {
+  std::uint64_t sum = 14695981039346656037u;
+  for (unsigned unit = 1; unit < 0x10000; ++unit) {
+    for (const unsigned made : convert(unit)) sum = (sum ^ made) * 1099511628211u;
+  }
+  return sum;
+}
+
+std::vector<unsigned> NarrowUnits(unsigned unit, UINT code_page) {
+  const WCHAR wide = static_cast<WCHAR>(unit);
+  char text[4] = {};
+  BOOL used = FALSE;
+  const int length = WideCharToMultiByte(code_page, 0, &wide, 1, text, 4, nullptr, &used);
+  std::vector<unsigned> made = {static_cast<unsigned>(length), static_cast<unsigned>(used)};
+  for (int i = 0; i < length; ++i) made.push_back(static_cast<unsigned char>(text[i]));
+  return made;
+}
+
+std::vector<unsigned> WideUnits(unsigned code, UINT code_page) {
+  const char text[] = {static_cast<char>(code >> 8), static_cast<char>(code)};
+  WCHAR wide[2] = {};
+  const int length = MultiByteToWideChar(code_page, MB_PRECOMPOSED, text, 2, wide, 2);
+  return {static_cast<unsigned>(length), wide[0], wide[1]};
+}
+
+TEST(Text, EveryCharacterIsNarrowedAlikeOnEveryHost) {
+  EXPECT_EQ(SumOfAll([](unsigned unit) { return NarrowUnits(unit, 1252); }), 0x7E42698CDBB4B90Du);
+  EXPECT_EQ(SumOfAll([](unsigned unit) { return NarrowUnits(unit, 932); }), 0xED35BB83E9C93C26u);
+}
+
+TEST(Text, EveryPairOfBytesIsWidenedAlikeOnEveryHost) {
+  EXPECT_EQ(SumOfAll([](unsigned code) { return WideUnits(code, 1252); }), 0x415B6E4DB9841E51u);
+  EXPECT_EQ(SumOfAll([](unsigned code) { return WideUnits(code, 932); }), 0x8D73C5E606E37439u);
+}
+
+TEST(Text, CombiningMarksThatJoinToWhatTheCodePageLacksAreLookedAtAlike) {
+  EXPECT_EQ(Narrow(TEXT("C\u0301\u00FC\u0304"), 1252, WC_COMPOSITECHECK), "Cu");
+  EXPECT_EQ(Narrow(TEXT("Y\u0308"), 932, WC_COMPOSITECHECK), "Y?");
+  EXPECT_EQ(Narrow(TEXT("D\u0304"), 1252, WC_COMPOSITECHECK), "D\xAF");
+}
+
 TEST(Text, CombiningMarksJoinTheirLettersWhenAsked) {
   EXPECT_EQ(Narrow(TEXT("e\u0301u\u0308x\u0301"), 1252, WC_COMPOSITECHECK).substr(0, 3), "\xE9\xFCx");
   EXPECT_EQ(Narrow(TEXT("\u304B\u3099\u30CF\u309A"), 932, WC_COMPOSITECHECK), "\x82\xAA\x83\x70");
@@ -111,6 +165,13 @@ TEST(Text, UpperCasesLettersOfEveryScript) {
   const DWORD length = sizeof text / sizeof text[0] - 1;
   EXPECT_EQ(CharUpperBuffW(text, length), length);
   EXPECT_EQ(WideString(text), TEXT("COM5:\u00C9\u0178\u0150\u03A9\u0386\u0416\u0401\uFF21\u00DF9_"));
+}
+
+TEST(Text, LettersWithoutACapitalOfTheirOwnStay) {
+  WCHAR text[] = TEXT("\u00DF\u0131\u017F\u03C2\u0138");
+  const WideString before = text;
+  CharUpperBuffW(text, static_cast<DWORD>(before.size()));
+  EXPECT_EQ(WideString(text), before);
 }
 
 TEST(Text, UpperCasesOnlyAsFarAsAsked) {

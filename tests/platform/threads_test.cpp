@@ -40,6 +40,15 @@ TEST(Thread, SuspendedOneRunsWhenItIsResumed) {
   EXPECT_TRUE(ran);
 }
 
+TEST(Thread, SuspendedOneCanBeEndedBeforeItRuns) {
+  std::atomic<bool> ran{false};
+  TestThread thread([&] { return ran = true, 0; }, CREATE_SUSPENDED);
+  EXPECT_NE(TerminateThread(thread.handle(), 7), FALSE);
+  EXPECT_EQ(Wait(thread.handle()), WAIT_OBJECT_0);
+  EXPECT_EQ(thread.Join(), 7u);
+  EXPECT_FALSE(ran);
+}
+
 TEST(Thread, ResumingARunningOneTellsZero) {
   const Handle go = ManualEvent();
   TestThread thread([&] { return Wait(go); });

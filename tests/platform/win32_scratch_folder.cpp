@@ -4,6 +4,7 @@
 
 #include "common/files/file_root.h"
 #include "scratch_folder.h"
+#include "win32_this_machine.h"
 
 namespace platform_test {
 namespace {
@@ -16,13 +17,16 @@ fs::path NewFolder() {
   return fs::temp_directory_path() / name;
 }
 
-// What is read-only is not removed.
-void RemoveAll(const fs::path& folder) {
-  std::error_code ignored;
-  for (const auto& entry : fs::recursive_directory_iterator(folder, ignored)) {
-    fs::permissions(entry, fs::perms::owner_write, fs::perm_options::add, ignored);
+// By a path that the system takes as it stands: names as long as they may be, and "NUL" is a file. What is read-only
+// stays at first.
+void RemoveAll(const fs::path& path) {
+  const fs::path folder = L"\\\\?\\" + path.native();
+  std::error_code error;
+  if (fs::remove_all(folder, error) != static_cast<std::uintmax_t>(-1)) return;
+  for (const auto& entry : fs::recursive_directory_iterator(folder, error)) {
+    fs::permissions(entry, fs::perms::owner_write, fs::perm_options::add, error);
   }
-  EXPECT_NE(fs::remove_all(folder, ignored), static_cast<std::uintmax_t>(-1)) << ignored.message();
+  EXPECT_NE(fs::remove_all(folder, error), static_cast<std::uintmax_t>(-1)) << error.message();
 }
 
 }  // namespace
@@ -36,9 +40,10 @@ ScratchFolder::ScratchFolder() : path_(TEXT("\\Scratch")) {
 }
 
 ScratchFolder::~ScratchFolder() {
+  qxtest::RemoveLinks();
   host::ClearFileRoot();
   host::SetFreeFileSpace(std::nullopt);
-  RemoveAll(fs::u8path(host_path_).parent_path().parent_path());
+  RemoveAll(fs::u8path(host_path_).make_preferred().parent_path().parent_path());
 }
 
 }  // namespace platform_test

@@ -2,12 +2,16 @@
 #ifndef QXTEST_SUPPORT_PATH_SPELLINGS_H
 #define QXTEST_SUPPORT_PATH_SPELLINGS_H
 
+#include <windows.h>
+
 #include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
 
 namespace qxtest {
+
+using WideText = std::basic_string<WCHAR>;
 
 /// A folder with a secret, beside the root of the instrument's file system.
 class Canary {
@@ -33,7 +37,7 @@ class Canary {
 
 /// More than 300 paths as a controller could send them, each the canary's folder or secret file or something else
 /// outside, by dots, separators, devices, drives, shares, links, encodings, controls, odd units or length.
-std::vector<std::u16string> PathSpellings(const Canary& canary);
+std::vector<WideText> PathSpellings(const Canary& canary);
 
 }  // namespace qxtest
 

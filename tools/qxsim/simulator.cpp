@@ -11,6 +11,7 @@
 #include "common/system/programs.h"
 #include "common/text/text.h"
 #include "instrument/battery.h"
+#include "instrument/distance_meter.h"
 #include "instrument/drivers.h"
 #include "instrument/focus_side.h"
 #include "qxsim/api/routes.h"
@@ -64,6 +65,7 @@ Simulator::Platform::~Platform() {
   host::PacePorts(0);
   host::SetAnsiCodePage(1252);
   host::instrument::FocusSide::Forget();
+  host::instrument::DistanceMeter::Instance().Rest();
   host::ClearFileRoot();
 }
 

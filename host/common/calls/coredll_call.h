@@ -52,10 +52,13 @@ void AppendArgument(const Argument& argument, CallValues* values) {
     values->emplace_back(WideToUtf8(argument));
   } else if constexpr (std::is_same_v<Argument, LPDCB> || std::is_same_v<Argument, LPCOMMTIMEOUTS>) {
     AppendStructure(argument, sizeof *argument, values);
-  } else if constexpr (std::is_same_v<Argument, HANDLE> || std::is_same_v<Argument, HWND> ||
-                       std::is_same_v<Argument, HKEY>) {
+  } else if constexpr (std::is_same_v<Argument, HANDLE> || std::is_same_v<Argument, HWND>) {
     if (argument == nullptr) return AppendPointer(argument, values);
     values->emplace_back(static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(argument)));
+  } else if constexpr (std::is_same_v<Argument, HKEY>) {
+    // 32 bits of it: desktop Windows lengthens the roots' numbers by their sign.
+    if (argument == nullptr) return AppendPointer(argument, values);
+    values->emplace_back(std::int64_t{static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(argument))});
   } else if constexpr (std::is_pointer_v<Argument> && std::is_function_v<std::remove_pointer_t<Argument>>) {
     if (argument == nullptr) values->emplace_back(nullptr);
   } else if constexpr (std::is_pointer_v<Argument>) {

@@ -1,6 +1,7 @@
 // Events, mutexes and blocks that processes of one virtual instrument share by name.
 //
-// The objects of one instrument live in a folder of their own; processes that shall meet use the same folder.
+// The objects of one instrument have a folder to themselves; processes that shall meet use the same folder. On Linux
+// they live in it, on Windows it only tells them from those of other instruments.
 #ifndef QXHOST_COMMON_KERNEL_NAMED_OBJECTS_H
 #define QXHOST_COMMON_KERNEL_NAMED_OBJECTS_H
 
@@ -17,7 +18,7 @@ namespace host {
 /// named objects of another folder are open.
 void SetObjectNamespace(std::string directory);
 
-/// The folder in use: as set, else $QX_OBJECTS, else a new private one that is removed when the process exits.
+/// The folder in use: as set, else $QX_OBJECTS, else a new private one, which is gone when the process has exited.
 /// Throws std::system_error.
 std::string ObjectNamespaceDirectory();
 
@@ -27,7 +28,7 @@ struct NamedMutexState {
   Holder holder;     ///< kLibrary: taken in one of the library's calls, in this process
 };
 
-/// Every named mutex that some process has open.
+/// Every named mutex that some process has open; on Windows, that this process has.
 std::vector<NamedMutexState> NamedMutexes();
 
 /// A copy of a named block; nothing when no process has it open. Take the block's mutex around the call: the block's

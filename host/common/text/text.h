@@ -21,9 +21,6 @@ DWORD CharUpperBuffW(LPWSTR text, DWORD length);
 
 WCHAR UpperCase(WCHAR unit);
 
-/// The one character for a letter and the combining mark behind it, 0 when there is none in the supported code pages.
-WCHAR Compose(WCHAR letter, WCHAR mark);
-
 }  // namespace host
 
 #endif

@@ -7,12 +7,12 @@
 namespace host {
 
 /// The size of the file's version resource in bytes, and 0 into `unused` where that is not null.
-/// 0: last error 87 (no name), what opening or reading the file says (2, 3, 5 ...), 8 (a file of more than 64 MiB), or
-/// what FindVersionResource says (11, 1812, 1813, 1814).
+/// 0: last error 87 (no name), what opening or reading the file says (2, 3, 5 ...), 8 (a file of more than 64 MiB),
+/// 11 (damaged), 1812 (no executable, or no resources), 1813 (no version resource), 1814 (one of another number).
 DWORD GetFileVersionInfoSizeW(LPCWSTR file, LPDWORD unused);
 
 /// Copies the resource, as much of it as fits, so that VerQueryValueW never leaves those bytes.
-/// FALSE: as above, or last error 13 (no buffer), 122 (one of less than 6 bytes).
+/// FALSE: as above, or last error 13 (no buffer), 122 (one too small for the first block's header).
 BOOL GetFileVersionInfoW(LPCWSTR file, DWORD unused, DWORD size, LPVOID resource);
 
 /// Where in the copied resource the value of a path lies ("\", "\VarFileInfo\Translation",

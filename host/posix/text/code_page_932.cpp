@@ -8,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+#include "posix/text/best_fit.h"
 #include "posix/text/code_pages.h"
 
 namespace host {
@@ -77,6 +78,8 @@ class JapaneseCodePage final : public CodePage {
     if (code == 0 && wide != 0) return {};
     return high == 0 ? NarrowCharacter{{low, 0}, 1} : NarrowCharacter{{high, low}, 2};
   }
+
+  char16_t BestFit(char16_t wide) const override { return JapaneseBestFit(wide); }
 
  private:
   static char16_t DecodeSingle(const Conversion& decoder, unsigned byte) {

@@ -2,6 +2,8 @@
 
 #include <atomic>
 
+#include "posix/text/best_fit.h"
+
 namespace host {
 namespace {
 
@@ -28,6 +30,8 @@ class WesternCodePage final : public CodePage {
     }
     return {};
   }
+
+  char16_t BestFit(char16_t wide) const override { return WesternBestFit(wide); }
 };
 
 }  // namespace

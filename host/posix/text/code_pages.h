@@ -23,6 +23,8 @@ class CodePage {
   /// Decodes the first character of `text` (not empty); returns how many bytes it has.
   virtual std::size_t Decode(std::string_view text, char16_t* wide) const = 0;
   virtual NarrowCharacter Encode(char16_t wide) const = 0;
+  /// The character that stands for one that Encode does not know; 0 when none does.
+  virtual char16_t BestFit(char16_t wide) const = 0;
 };
 
 /// The code page of this number, 0 meaning the ANSI code page; null when it is not supported.

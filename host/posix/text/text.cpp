@@ -6,6 +6,7 @@
 
 #include "common/calls/errors.h"
 #include "posix/text/code_pages.h"
+#include "posix/text/letters.h"
 
 namespace host {
 namespace {
@@ -35,13 +36,20 @@ int CopyOut(const std::basic_string<Unit>& result, Unit* out, int size) {
   return static_cast<int>(result.size());
 }
 
-// The character at `*place`, with the combining mark behind it when that makes one character.
-char16_t TakeCharacter(std::u16string_view wide, bool compose, std::size_t* place) {
+NarrowCharacter Encode(const CodePage& page, char16_t character) {
+  const NarrowCharacter narrow = page.Encode(character);
+  const char16_t instead = narrow.length == 0 ? page.BestFit(character) : char16_t{0};
+  return instead == 0 ? narrow : page.Encode(instead);
+}
+
+// The character at `*place`, with the combining mark behind it when that makes one that the code page has.
+NarrowCharacter TakeCharacter(const CodePage& page, std::u16string_view wide, bool compose, std::size_t* place) {
   const char16_t letter = wide[(*place)++];
   const char16_t composed = compose && *place < wide.size() ? Compose(letter, wide[*place]) : char16_t{0};
-  if (composed == 0) return letter;
+  const NarrowCharacter both = composed == 0 ? NarrowCharacter() : Encode(page, composed);
+  if (both.length == 0) return Encode(page, letter);
   ++*place;
-  return composed;
+  return both;
 }
 
 }  // namespace
@@ -69,7 +77,7 @@ int WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR wide, int wide_leng
   const std::u16string_view from = WideText(wide, wide_length);
   std::string result;
   for (std::size_t place = 0; place < from.size();) {
-    const NarrowCharacter narrow = page->Encode(TakeCharacter(from, (flags & WC_COMPOSITECHECK) != 0, &place));
+    const NarrowCharacter narrow = TakeCharacter(*page, from, (flags & WC_COMPOSITECHECK) != 0, &place);
     result.append(reinterpret_cast<const char*>(narrow.bytes), static_cast<std::size_t>(narrow.length));
     if (narrow.length != 0) continue;
     result.append(default_char != nullptr ? default_char : "?");

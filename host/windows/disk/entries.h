@@ -11,7 +11,7 @@
 #include <cstdint>
 
 #include "common/text/utf.h"
-#include "windows/disk/system_handle.h"
+#include "windows/kernel/system_handle.h"
 
 namespace host {
 
@@ -31,7 +31,9 @@ bool ReadFacts(HANDLE open, FileFacts* facts);
 /// Where an open file or folder lies, as the system spells it; empty with the last error set when it cannot tell.
 WideString FinalPath(HANDLE open);
 
-/// Whether an open file or folder lies at this path, in any letter case, and is no link.
+/// Whether an open file or folder lies at this path, in any letter case, and is no link; if so, also its facts and
+/// where it lies.
+bool LiesAt(HANDLE open, WideView path, FileFacts* facts, WideString* final_path);
 bool LiesAt(HANDLE open, WideView path);
 
 /// A file or folder that is there.

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "common/text/utf.h"
-#include "windows/disk/system_handle.h"
+#include "windows/kernel/system_handle.h"
 
 namespace host {
 

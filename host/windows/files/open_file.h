@@ -9,8 +9,8 @@
 #include <string>
 
 #include "common/streams/streams.h"
-#include "windows/disk/system_handle.h"
 #include "windows/files/open_paths.h"
+#include "windows/kernel/system_handle.h"
 
 namespace host {
 

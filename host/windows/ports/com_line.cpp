@@ -15,9 +15,9 @@ SharedHandle ComLine::handle() {
 
 DWORD ComLine::Open() {
   const WideString path = TEXT("\\\\.\\") + Utf8ToWide(device_);
-  auto handle = std::make_shared<const OwnHandle>(::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                                                OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr));
-  if (!*handle) return GetLastError();
+  auto handle = std::make_shared<const SystemHandle>(::CreateFileW(
+      path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr));
+  if (!handle->valid()) return GetLastError();
   handle_ = std::move(handle);
   return NO_ERROR;
 }

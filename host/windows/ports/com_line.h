@@ -8,11 +8,11 @@
 #include <string>
 
 #include "common/ports/line.h"
-#include "windows/ports/own_handle.h"
+#include "windows/kernel/system_handle.h"
 
 namespace host {
 
-using SharedHandle = std::shared_ptr<const OwnHandle>;
+using SharedHandle = std::shared_ptr<const SystemHandle>;
 
 /// The port is open as long as someone uses the line.
 class ComLine final : public Line {

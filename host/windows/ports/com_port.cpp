@@ -39,7 +39,7 @@ class OnlyOne {
 // One call of the driver that may go on after its return.
 struct Pending {
   Pending() { overlapped.hEvent = event.get(); }
-  const OwnHandle event{NewEvent(Reset::kManual)};
+  const SystemHandle event{::CreateEventW(nullptr, TRUE, FALSE, nullptr)};
   OVERLAPPED overlapped = {};
 };
 
@@ -48,7 +48,7 @@ struct Pending {
 std::shared_ptr<ComPort> ComPort::Open(std::shared_ptr<ComLine> line) {
   std::shared_ptr<ComPort> port(new ComPort(std::move(line)));
   DWORD error = ERROR_TOO_MANY_OPEN_FILES;
-  if (port->wake_ && port->closed_event_) error = port->line_->Join(port.get());
+  if (port->wake_.valid() && port->closed_event_.valid()) error = port->line_->Join(port.get());
   if (error != NO_ERROR) return Fail(error, std::shared_ptr<ComPort>());
   port->handle_ = port->line_->handle();
   return port;
@@ -118,10 +118,9 @@ bool ComPort::WaitForDriver(std::uint64_t start, DWORD* mask) {
     ::SetCommMask(port, static_cast<DWORD>(mask_changes_.load()));
     ::WaitForSingleObject(wait.event.get(), 1);
   }
-  DWORD ignored = 0;
-  const bool done = ::GetOverlappedResult(port, &wait.overlapped, &ignored, FALSE) != FALSE;
-  *mask = done ? events : 0;
-  return done || !go_on();
+  // What it has seen tells how it ended; its status may say "pending" for good under Wine, on a busy machine.
+  *mask = events;
+  return events != 0 || !go_on();
 }
 
 // ---- Bytes

@@ -14,8 +14,8 @@
 #include <string>
 
 #include "common/ports/serial_port.h"
+#include "windows/kernel/system_handle.h"
 #include "windows/ports/com_line.h"
-#include "windows/ports/own_handle.h"
 
 namespace host {
 
@@ -71,8 +71,8 @@ class ComPort final : public SerialPort, private LineUser {
 
   const std::shared_ptr<ComLine> line_;
   SharedHandle handle_;
-  const OwnHandle wake_{NewEvent(Reset::kAutomatic)};       // WaitEvent shall look again
-  const OwnHandle closed_event_{NewEvent(Reset::kManual)};  // the handle has been closed
+  const SystemHandle wake_{::CreateEventW(nullptr, FALSE, FALSE, nullptr)};         // WaitEvent shall look again
+  const SystemHandle closed_event_{::CreateEventW(nullptr, TRUE, FALSE, nullptr)};  // the handle has been closed
   std::atomic<bool> closed_{false};
   std::atomic<bool> waiting_{false};            // a thread is in WaitEvent
   std::atomic<bool> mask_is_drivers_{false};    // else set while another received

@@ -65,7 +65,8 @@ BOOL GetFileVersionInfoW(LPCWSTR file, DWORD, DWORD size, LPVOID resource) {
   const DWORD copied = std::min(size, whole);
   const bool good = CutVersionBlocks(bytes.data(), copied);
   std::memcpy(resource, bytes.data(), copied);
-  return good ? TRUE : Fail(ERROR_BAD_FORMAT, FALSE);
+  if (good) return TRUE;
+  return Fail(copied < whole ? ERROR_INSUFFICIENT_BUFFER : ERROR_BAD_FORMAT, FALSE);  // not even its header
 }
 
 BOOL VerQueryValueW(LPCVOID resource, LPCWSTR name, LPVOID* value, UINT* size) {

@@ -66,6 +66,18 @@ TEST_F(DistanceMeter, AnnouncesItsEndOnceForEachMeasurement) {
   EXPECT_EQ(sink_.Masks(2), (Masks{kMeasurementEnded, kMeasurementEnded}));
 }
 
+TEST_F(DistanceMeter, MeasuresAgainAfterARest) {
+  meter_.SetTakesMs(0);
+  meter_.Start(1, 0);
+  sink_.Masks(1);
+  meter_.Rest();
+  EXPECT_FALSE(meter_.state().running);
+  meter_.Rest();  // nothing to end
+  const std::size_t before = sink_.seen().size();
+  meter_.Start(2, 0);
+  EXPECT_EQ(sink_.Masks(before + 1)[before], kDistanceReady) << "and no end of the measurement before the rest";
+}
+
 TEST_F(DistanceMeter, HasNoValidDistanceFromAStartUntilItIsReady) {
   meter_.SetValid(true);
   meter_.Start(1, 0);

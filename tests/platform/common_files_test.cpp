@@ -1,20 +1,18 @@
-// Files on this host: many, large, shared by threads; what is not offered; the call log and faults.
-#include "host_files.h"
-
-#include <unistd.h>
-
+// Files on any host: many, large, shared by threads; what is not offered; the call log and faults.
 #include <chrono>
 #include <string>
 #include <thread>
 
 #include "common/calls/calls.h"
+#include "instrument_files.h"
+#include "support/this_machine.h"
 
 namespace platform_test {
 namespace {
 
-using FileLog = HostFiles;
+using FileLog = InstrumentFiles;
 
-TEST_F(HostFiles, ManyThreadsOnTheSameNamesLeaveNothingOpen) {
+TEST_F(InstrumentFiles, ManyThreadsOnTheSameNamesLeaveNothingOpen) {
   const WideString names[] = {TEXT("a"), TEXT("B"), TEXT("b"), TEXT("sub\\a")};
   MakeFolder(TEXT("sub"));
   const auto run = [&](unsigned seed) {
@@ -37,15 +35,15 @@ TEST_F(HostFiles, ManyThreadsOnTheSameNamesLeaveNothingOpen) {
   EXPECT_TRUE(Remove(TEXT("sub")));
 }
 
-TEST_F(HostFiles, ListsALargeFileWithItsWholeSize) {
+TEST_F(InstrumentFiles, ListsALargeFileWithItsWholeSize) {
   MakeHostFile("large");
-  ASSERT_EQ(truncate(HostPath("large").c_str(), 5LL << 30), 0);
+  fs::resize_file(HostPath("large"), std::uintmax_t{5} << 30);
   const WIN32_FIND_DATAW found = Search(Path(TEXT("large"))).at(0);
   EXPECT_EQ(found.nFileSizeHigh, 1u);
   EXPECT_EQ(found.nFileSizeLow, 1u << 30);
 }
 
-TEST_F(HostFiles, RefusesWhatIsNotOffered) {
+TEST_F(InstrumentFiles, RefusesWhatIsNotOffered) {
   const auto open = [&](DWORD access, DWORD share, DWORD disposition, DWORD flags) {
     return Error(CreateFileW(Path(TEXT("a")).c_str(), access, share, nullptr, disposition, flags, nullptr));
   };
@@ -58,7 +56,7 @@ TEST_F(HostFiles, RefusesWhatIsNotOffered) {
   EXPECT_FALSE(Exists(TEXT("a")));
 }
 
-TEST_F(HostFiles, SearchesNeedAPlaceForTheResult) {
+TEST_F(InstrumentFiles, SearchesNeedAPlaceForTheResult) {
   MakeFile(TEXT("a"));
   WIN32_FIND_DATAW found;
   EXPECT_EQ(Error(FindFirstFileW(Path(TEXT("a")).c_str(), nullptr)), DWORD{ERROR_INVALID_PARAMETER});
@@ -67,16 +65,16 @@ TEST_F(HostFiles, SearchesNeedAPlaceForTheResult) {
   FindClose(search);
 }
 
-TEST_F(HostFiles, EndlessPatternsAreAnsweredAtOnce) {
-  MakeFile(WideString(100, u'a'));
+TEST_F(InstrumentFiles, EndlessPatternsAreAnsweredAtOnce) {
+  MakeFile(WideString(100, TEXT('a')));
   WideString pattern;
   for (int i = 0; i < 100; ++i) pattern += TEXT("*a");
   EXPECT_EQ(SearchNames(Path(pattern)).size(), 1u);
   EXPECT_TRUE(SearchNames(Path(pattern + TEXT("b"))).empty());
 }
 
-TEST_F(HostFiles, TenThousandEntriesAreListedInTime) {
-  for (int i = 0; i < 10000; ++i) MakeHostFile("file " + std::to_string(i) + ".txt");
+TEST_F(InstrumentFiles, TenThousandEntriesAreListedInTime) {
+  qxtest::MakeManyFiles(fs::u8path(folder_.host_path()), 10000);
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(All().size(), 10000u);
   const auto took = std::chrono::steady_clock::now() - start;

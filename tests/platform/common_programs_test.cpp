@@ -13,7 +13,7 @@
 namespace platform_test {
 namespace {
 
-constexpr LPCWSTR kProgram = u"\\Programs\\Level.exe";
+constexpr LPCWSTR kProgram = TEXT("\\Programs\\Level.exe");
 
 class StartedProgramsTest : public testing::Test {
  protected:
@@ -23,7 +23,7 @@ class StartedProgramsTest : public testing::Test {
     host::RecordPowerState(host::kPowerOn);
   }
 
-  static BOOL Start(LPCWSTR program, std::u16string command_line = {}, LPPROCESS_INFORMATION process = nullptr) {
+  static BOOL Start(LPCWSTR program, host::WideString command_line = {}, LPPROCESS_INFORMATION process = nullptr) {
     return CreateProcessW(program, command_line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, nullptr, process);
   }
   static DWORD ErrorOf(BOOL result) {
@@ -36,18 +36,18 @@ class StartedProgramsTest : public testing::Test {
 
 TEST_F(StartedProgramsTest, AreRecordedWithTheirCommandLineAndNumber) {
   PROCESS_INFORMATION process = {};
-  ASSERT_TRUE(Start(kProgram, u"-a \u00E4", &process));
+  ASSERT_TRUE(Start(kProgram, TEXT("-a \u00E4"), &process));
   const auto started = host::StartedPrograms();
   ASSERT_EQ(started.size(), 1u);
   EXPECT_EQ(started[0].program, kProgram);
-  EXPECT_EQ(started[0].command_line, u"-a \u00E4");
+  EXPECT_EQ(started[0].command_line, TEXT("-a \u00E4"));
   EXPECT_EQ(started[0].id, process.dwProcessId);
   EXPECT_GT(started[0].at, 0);
   for (const HANDLE handle : {process.hThread, process.hProcess}) EXPECT_TRUE(CloseHandle(handle));
 }
 
 TEST_F(StartedProgramsTest, AreNotRecordedWhenTheyAreMissing) {
-  EXPECT_EQ(ErrorOf(Start(u"\\Programs\\Other.exe")), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(ErrorOf(Start(TEXT("\\Programs\\Other.exe"))), DWORD{ERROR_FILE_NOT_FOUND});
   EXPECT_TRUE(host::StartedPrograms().empty());
 }
 
@@ -68,31 +68,31 @@ TEST_F(StartedProgramsTest, NeedNobodyWhoTakesTheHandles) {
 }
 
 TEST_F(StartedProgramsTest, AreLookedForInTheWindowsFolderByTheirBareName) {
-  const ProgramFile windows(u"\\Windows\\Level.exe");
-  ASSERT_TRUE(Start(u"Level.exe"));
-  EXPECT_EQ(ErrorOf(Start(u"\\Level.exe")), ERROR_FILE_NOT_FOUND);
-  EXPECT_EQ(host::StartedPrograms().back().program, u"Level.exe");
+  const ProgramFile windows(TEXT("\\Windows\\Level.exe"));
+  ASSERT_TRUE(Start(TEXT("Level.exe")));
+  EXPECT_EQ(ErrorOf(Start(TEXT("\\Level.exe"))), DWORD{ERROR_FILE_NOT_FOUND});
+  EXPECT_EQ(host::StartedPrograms().back().program, TEXT("Level.exe"));
 }
 
 TEST_F(StartedProgramsTest, AreMissingOnAnInstrumentWithoutFiles) {
   host::SetProgramLookup(nullptr);
-  EXPECT_EQ(ErrorOf(Start(kProgram)), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(ErrorOf(Start(kProgram)), DWORD{ERROR_FILE_NOT_FOUND});
 }
 
 TEST_F(StartedProgramsTest, AreKeptUpToANumber) {
   for (std::size_t i = 0; i < host::kMostStartedPrograms + 3; ++i) {
     const std::string number = std::to_string(i);
-    ASSERT_TRUE(Start(kProgram, std::u16string(number.begin(), number.end())));
+    ASSERT_TRUE(Start(kProgram, host::WideString(number.begin(), number.end())));
   }
   const auto started = host::StartedPrograms();
   EXPECT_EQ(started.size(), host::kMostStartedPrograms);
-  EXPECT_EQ(started.front().command_line, u"3");
+  EXPECT_EQ(started.front().command_line, TEXT("3"));
 }
 
 TEST_F(StartedProgramsTest, CannotBeNamedAtAnyLength) {
-  EXPECT_EQ(ErrorOf(Start(std::u16string(MAX_PATH, u'x').c_str())), ERROR_FILENAME_EXCED_RANGE);
-  EXPECT_EQ(ErrorOf(Start(kProgram, std::u16string(32768, u'x'))), ERROR_FILENAME_EXCED_RANGE);
-  EXPECT_TRUE(Start(kProgram, std::u16string(32767, u'x')));
+  EXPECT_EQ(ErrorOf(Start(host::WideString(MAX_PATH, TEXT('x')).c_str())), DWORD{ERROR_FILENAME_EXCED_RANGE});
+  EXPECT_EQ(ErrorOf(Start(kProgram, host::WideString(32768, TEXT('x')))), DWORD{ERROR_FILENAME_EXCED_RANGE});
+  EXPECT_TRUE(Start(kProgram, host::WideString(32767, TEXT('x'))));
 }
 
 TEST_F(StartedProgramsTest, TakeOnlyWhatWindowsCeKnows) {
@@ -101,20 +101,20 @@ TEST_F(StartedProgramsTest, TakeOnlyWhatWindowsCeKnows) {
     return CreateProcessW(program, nullptr, security, nullptr, inherit, flags, environment, folder, nullptr, nullptr);
   };
   SECURITY_ATTRIBUTES security = {};
-  EXPECT_EQ(ErrorOf(create(nullptr, nullptr, FALSE, 0, nullptr, nullptr)), ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(ErrorOf(create(kProgram, &security, FALSE, 0, nullptr, nullptr)), ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(ErrorOf(create(kProgram, nullptr, TRUE, 0, nullptr, nullptr)), ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(ErrorOf(create(kProgram, nullptr, FALSE, 0x20, nullptr, nullptr)), ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(ErrorOf(create(kProgram, nullptr, FALSE, 0, &security, nullptr)), ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(ErrorOf(create(kProgram, nullptr, FALSE, 0, nullptr, u"\\")), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(ErrorOf(create(nullptr, nullptr, FALSE, 0, nullptr, nullptr)), DWORD{ERROR_INVALID_PARAMETER});
+  EXPECT_EQ(ErrorOf(create(kProgram, &security, FALSE, 0, nullptr, nullptr)), DWORD{ERROR_INVALID_PARAMETER});
+  EXPECT_EQ(ErrorOf(create(kProgram, nullptr, TRUE, 0, nullptr, nullptr)), DWORD{ERROR_INVALID_PARAMETER});
+  EXPECT_EQ(ErrorOf(create(kProgram, nullptr, FALSE, 0x20, nullptr, nullptr)), DWORD{ERROR_INVALID_PARAMETER});
+  EXPECT_EQ(ErrorOf(create(kProgram, nullptr, FALSE, 0, &security, nullptr)), DWORD{ERROR_INVALID_PARAMETER});
+  EXPECT_EQ(ErrorOf(create(kProgram, nullptr, FALSE, 0, nullptr, TEXT("\\"))), DWORD{ERROR_INVALID_PARAMETER});
   EXPECT_TRUE(create(kProgram, nullptr, FALSE, CREATE_SUSPENDED, nullptr, nullptr));
 }
 
 TEST_F(StartedProgramsTest, TheUtilityIsAlwaysThereAndSwitchesOff) {
   host::SetProgramLookup(nullptr);
-  EXPECT_TRUE(Start(u"opvutil.exe", u"-status"));
+  EXPECT_TRUE(Start(TEXT("opvutil.exe"), TEXT("-status")));
   EXPECT_EQ(host::PowerState(), host::kPowerOn);
-  EXPECT_TRUE(Start(u"\\Windows\\OpvUtil.exe", u"-FullOff"));
+  EXPECT_TRUE(Start(TEXT("\\Windows\\OpvUtil.exe"), TEXT("-FullOff")));
   EXPECT_EQ(host::PowerState(), host::kPowerOff);
   EXPECT_EQ(host::StartedPrograms().size(), 2u);
 }
@@ -123,7 +123,7 @@ TEST_F(StartedProgramsTest, AreListedWithTheirTexts) {
   host::EnableCallLog(true);
   std::uint64_t since = 0;
   host::CallsSince(0, &since);
-  Start(kProgram, u"-a");
+  Start(kProgram, TEXT("-a"));
   const auto calls = host::CallsSince(since, nullptr);
   host::EnableCallLog(false);
   ASSERT_EQ(calls.size(), 1u);
@@ -140,7 +140,7 @@ TEST_F(StartedProgramsTest, CanBeMadeToFail) {
   fault.error = ERROR_NOT_ENOUGH_MEMORY;
   fault.on = "\\Programs\\Level.exe";
   host::AddFault(fault);
-  EXPECT_EQ(ErrorOf(Start(kProgram)), ERROR_NOT_ENOUGH_MEMORY);
+  EXPECT_EQ(ErrorOf(Start(kProgram)), DWORD{ERROR_NOT_ENOUGH_MEMORY});
   host::ClearFaults();
   EXPECT_TRUE(host::StartedPrograms().empty());
 }

@@ -35,9 +35,9 @@ using RegistryKeeperTest = HostRegistryTest;
 using RegistryCallsTest = HostRegistryTest;
 using RegistryDefaultsTest = HostRegistryTest;
 
-std::u16string Chain(std::size_t levels) {
-  std::u16string path;
-  for (std::size_t level = 0; level < levels; ++level) path += level == 0 ? u"L" : u"\\L";
+host::WideString Chain(std::size_t levels) {
+  host::WideString path;
+  for (std::size_t level = 0; level < levels; ++level) path += level == 0 ? TEXT("L") : TEXT("\\L");
   return path;
 }
 
@@ -96,7 +96,7 @@ TEST_F(HostRegistryTest, OpeningTakesNoOptions) {
 }
 
 TEST_F(HostRegistryTest, KeysGo16LevelsDeep) {
-  const std::u16string deepest = Chain(16);
+  const host::WideString deepest = Chain(16);
   EXPECT_EQ(OpenKey().Make(HKEY_USERS, deepest.c_str()), 0);
   EXPECT_EQ(OpenKey().Make(HKEY_USERS, Chain(17).c_str()), Code(ERROR_INVALID_PARAMETER));
   OpenKey key;
@@ -106,7 +106,7 @@ TEST_F(HostRegistryTest, KeysGo16LevelsDeep) {
 
 TEST_F(HostRegistryTest, ValuesHaveAtMost4096BytesAndNamesOf255Characters) {
   EXPECT_EQ(own_.Set(TEXT("Level"), Bytes(4097)), Code(ERROR_INVALID_PARAMETER));
-  EXPECT_EQ(own_.Set(std::u16string(256, u'V').c_str(), {1}), Code(ERROR_INVALID_PARAMETER));
+  EXPECT_EQ(own_.Set(host::WideString(256, TEXT('V')).c_str(), {1}), Code(ERROR_INVALID_PARAMETER));
   EXPECT_EQ(RegSetValueExW(own_, TEXT("Level"), 0, REG_BINARY, nullptr, 1), Code(ERROR_INVALID_PARAMETER));
   const BYTE byte = 1;
   EXPECT_EQ(RegSetValueExW(own_, TEXT("Level"), 1, REG_BINARY, &byte, 1), Code(ERROR_INVALID_PARAMETER));
@@ -124,9 +124,9 @@ TEST_F(HostRegistryTest, NamesMustBeWellFormedText) {
 
 TEST_F(HostRegistryTest, RefusesToGrowBeyondItsLimit) {
   host::RegistryEdit edit(Registry::Instance().Content());
-  char16_t name = u' ';
+  WCHAR name = TEXT(' ');
   while (edit.content().bytes + 5000 <= host::kMostRegistryBytes) {
-    edit.SetValue({u"HKCU", u"Software", u"QXTest"}, {{++name}, REG_BINARY, Bytes(4096)});
+    edit.SetValue({TEXT("HKCU"), TEXT("Software"), TEXT("QXTest")}, {{++name}, REG_BINARY, Bytes(4096)});
   }
   ASSERT_EQ(Registry::Instance().Replace(edit.content()), ERROR_SUCCESS);
   EXPECT_EQ(own_.Set(TEXT(""), Bytes(800)), 0);
@@ -154,7 +154,7 @@ TEST_F(HostRegistryTest, HandlesOfKeysAreClosedByTheirOwnCallOnly) {
   EXPECT_EQ(RegCloseKey(static_cast<HKEY>(static_cast<HANDLE>(event))), Code(ERROR_INVALID_HANDLE));
   SetLastError(0);
   EXPECT_FALSE(CloseHandle(static_cast<HKEY>(own_)));
-  EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
   EXPECT_EQ(own_.Set(TEXT("Level"), {1}), 0);
   EXPECT_TRUE(EventModify(event, kEventSet));
 }
@@ -256,7 +256,7 @@ TEST_F(RegistryDefaultsTest, Are75TimeZonesByRisingIndex) {
   EXPECT_TRUE(std::is_sorted(zones.begin(), zones.end(),
                              [](const auto& left, const auto& right) { return left.index < right.index; }));
   const RegistryContent content = host::DefaultRegistry();
-  const auto* keys = host::FindRegistryKey(content, {u"HKLM", u"Time Zones"});
+  const auto* keys = host::FindRegistryKey(content, {TEXT("HKLM"), TEXT("Time Zones")});
   ASSERT_NE(keys, nullptr);
   EXPECT_EQ(keys->keys.size(), 75u);
 }
@@ -273,7 +273,7 @@ TEST_F(RegistryDefaultsTest, HoldAZonesRulesAndNames) {
       (Bytes{0xC4, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0xC4, 0xFF, 0xFF, 0xFF,                 // -60, 0, -60 minutes
              0,    0,    10,   0,    0, 0, 5, 0, 3,    0,    0,    0,    0, 0, 0, 0,     // last Sunday of October, 3
              0,    0,    3,    0,    0, 0, 5, 0, 2,    0,    0,    0,    0, 0, 0, 0}));  // last Sunday of March, 2
-  const std::u16string daylight = u"W. Europe Daylight Time";
+  const host::WideString daylight = TEXT("W. Europe Daylight Time");
   Bytes name;
   ASSERT_EQ(zone.Get(TEXT("Dlt"), &name, &type), 0);
   EXPECT_EQ(type, REG_SZ);
@@ -282,9 +282,10 @@ TEST_F(RegistryDefaultsTest, HoldAZonesRulesAndNames) {
 }
 
 TEST(RegistryPathText, NamesAKeyFromItsRootOn) {
-  EXPECT_EQ(host::RegistryPathText({u"HKLM", u"Software", u"a/b"}), "HKLM/Software/a\\/b");
-  EXPECT_EQ(host::ParseRegistryPath("HKLM/Software/a\\/b"), (host::RegistryPath{u"HKLM", u"Software", u"a/b"}));
-  EXPECT_EQ(host::ParseRegistryPath("HKU"), host::RegistryPath{u"HKU"});
+  EXPECT_EQ(host::RegistryPathText({TEXT("HKLM"), TEXT("Software"), TEXT("a/b")}), "HKLM/Software/a\\/b");
+  EXPECT_EQ(host::ParseRegistryPath("HKLM/Software/a\\/b"),
+            (host::RegistryPath{TEXT("HKLM"), TEXT("Software"), TEXT("a/b")}));
+  EXPECT_EQ(host::ParseRegistryPath("HKU"), host::RegistryPath{TEXT("HKU")});
 }
 
 TEST(RegistryPathText, RefusesWhatNamesNoKey) {

@@ -12,8 +12,8 @@ TEST(Power, KnowsThreeStatesAndNoNames) {
     EXPECT_EQ(SetSystemPowerState(nullptr, state, 0), 0u);
     EXPECT_EQ(host::PowerState(), state);
   }
-  EXPECT_EQ(SetSystemPowerState(nullptr, 0x20000, 0), ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(SetSystemPowerState(TEXT("on"), host::kPowerOn, 0), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(SetSystemPowerState(nullptr, 0x20000, 0), DWORD{ERROR_INVALID_PARAMETER});
+  EXPECT_EQ(SetSystemPowerState(TEXT("on"), host::kPowerOn, 0), DWORD{ERROR_INVALID_PARAMETER});
   EXPECT_EQ(host::PowerState(), host::kPowerOn);
 }
 

@@ -27,7 +27,7 @@ bool Opens(LPCWSTR name = TEXT("COM5:")) {
 TEST_F(HostPortGate, KeepsAPortFromBeingFound) {
   ControllerLine line;
   EXPECT_FALSE(Opens());
-  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
   there_ = true;
   EXPECT_TRUE(Opens());
 }

@@ -1,6 +1,6 @@
-// An owned handle of the system's: files, folders and searches of this machine.
-#ifndef QXHOST_WINDOWS_DISK_SYSTEM_HANDLE_H
-#define QXHOST_WINDOWS_DISK_SYSTEM_HANDLE_H
+// An owned handle of the system's, for the host's own use.
+#ifndef QXHOST_WINDOWS_KERNEL_SYSTEM_HANDLE_H
+#define QXHOST_WINDOWS_KERNEL_SYSTEM_HANDLE_H
 
 #include <windows.h>
 
@@ -21,7 +21,8 @@ class SystemHandle {
     if (valid()) ::CloseHandle(handle_);
   }
 
-  bool valid() const { return handle_ != INVALID_HANDLE_VALUE; }
+  /// Neither of the two values that the system's calls fail with.
+  bool valid() const { return handle_ != INVALID_HANDLE_VALUE && handle_ != nullptr; }
   HANDLE get() const { return handle_; }
 
  private:

@@ -1,6 +1,6 @@
-// What tests of this host's files share: names and facts as this machine has them.
-#ifndef QXTEST_PLATFORM_HOST_FILES_H
-#define QXTEST_PLATFORM_HOST_FILES_H
+// What tests of the instrument's files share: names and facts as the machine has them.
+#ifndef QXTEST_PLATFORM_INSTRUMENT_FILES_H
+#define QXTEST_PLATFORM_INSTRUMENT_FILES_H
 
 #include <filesystem>
 #include <fstream>
@@ -13,9 +13,9 @@ namespace platform_test {
 namespace fs = std::filesystem;
 using Names = std::vector<WideString>;
 
-class HostFiles : public FileCalls {
+class InstrumentFiles : public FileCalls {
  protected:
-  std::string HostPath(const std::string& name) const { return folder_.host_path() + "/" + name; }
+  fs::path HostPath(const std::string& name) const { return fs::u8path(folder_.host_path()) / fs::u8path(name); }
   void MakeHostFile(const std::string& name, const std::string& text = "") const {
     std::ofstream file(HostPath(name), std::ios::binary);
     file << text;

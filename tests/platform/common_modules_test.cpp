@@ -22,47 +22,49 @@ class Modules : public testing::Test {
 };
 
 TEST_F(Modules, AreFoundInAnyLetterCaseWithOrWithoutTheEnding) {
-  const HMODULE module = GetModuleHandleW(u"TestLibrary.dll");
+  const HMODULE module = GetModuleHandleW(TEXT("TestLibrary.dll"));
   ASSERT_NE(module, nullptr);
-  EXPECT_EQ(GetModuleHandleW(u"TESTLIBRARY.DLL"), module);
-  EXPECT_EQ(GetModuleHandleW(u"testlibrary"), module);
+  EXPECT_EQ(GetModuleHandleW(TEXT("TESTLIBRARY.DLL")), module);
+  EXPECT_EQ(GetModuleHandleW(TEXT("testlibrary")), module);
 }
 
 TEST_F(Modules, AreNotFoundByAnotherName) {
-  for (const LPCWSTR name : {u"", u"TestLibrary.exe", u"TestLibrary.", u"Test", u"\\Windows\\TestLibrary.dll"}) {
+  for (const LPCWSTR name :
+       {TEXT(""), TEXT("TestLibrary.exe"), TEXT("TestLibrary."), TEXT("Test"), TEXT("\\Windows\\TestLibrary.dll")}) {
     EXPECT_EQ(GetModuleHandleW(name), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
   }
   EXPECT_EQ(GetModuleHandleW(nullptr), nullptr);
-  EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
 }
 
 TEST_F(Modules, GiveTheirProceduresByOrdinal) {
-  const HMODULE module = GetModuleHandleW(u"TestLibrary");
+  const HMODULE module = GetModuleHandleW(TEXT("TestLibrary"));
   EXPECT_EQ(GetProcAddressW(module, MAKEINTRESOURCEW(5))(), 1);
   EXPECT_EQ(GetProcAddressW(module, MAKEINTRESOURCEW(65535))(), 2);
 }
 
 TEST_F(Modules, HaveNoOtherProcedures) {
-  const HMODULE module = GetModuleHandleW(u"TestLibrary");
-  for (const LPCWSTR name : {MAKEINTRESOURCEW(6), MAKEINTRESOURCEW(0), LPCWSTR{u"First"}, LPCWSTR{u""}}) {
+  const HMODULE module = GetModuleHandleW(TEXT("TestLibrary"));
+  for (const LPCWSTR name :
+       {LPCWSTR{MAKEINTRESOURCEW(6)}, LPCWSTR{MAKEINTRESOURCEW(0)}, LPCWSTR{TEXT("First")}, LPCWSTR{TEXT("")}}) {
     EXPECT_EQ(GetProcAddressW(module, name), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_PROC_NOT_FOUND);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_PROC_NOT_FOUND});
   }
 }
 
 TEST_F(Modules, AreGoneWhenTheyAreUnloaded) {
-  const HMODULE module = GetModuleHandleW(u"TestLibrary");
+  const HMODULE module = GetModuleHandleW(TEXT("TestLibrary"));
   host::UnregisterModule("testlibrary.dll");
-  EXPECT_EQ(GetModuleHandleW(u"TestLibrary"), nullptr);
+  EXPECT_EQ(GetModuleHandleW(TEXT("TestLibrary")), nullptr);
   for (const HMODULE gone : {module, HMODULE{}}) {
     EXPECT_EQ(GetProcAddressW(gone, MAKEINTRESOURCEW(5)), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
   }
 }
 
 TEST_F(Modules, LetFaultsReachThem) {
-  const HMODULE module = GetModuleHandleW(u"TestLibrary");
+  const HMODULE module = GetModuleHandleW(TEXT("TestLibrary"));
   for (const char* call : {"GetModuleHandleW", "GetProcAddressW"}) {
     host::Fault fault;
     fault.library = "COREDLL";
@@ -70,9 +72,9 @@ TEST_F(Modules, LetFaultsReachThem) {
     fault.error = ERROR_NOT_ENOUGH_MEMORY;
     host::AddFault(fault);
   }
-  EXPECT_EQ(GetModuleHandleW(u"TestLibrary"), nullptr);
+  EXPECT_EQ(GetModuleHandleW(TEXT("TestLibrary")), nullptr);
   EXPECT_EQ(GetProcAddressW(module, MAKEINTRESOURCEW(5)), nullptr);
-  EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_ENOUGH_MEMORY});
   EXPECT_NE(GetProcAddressW(module, MAKEINTRESOURCEW(5)), nullptr);
   host::ClearFaults();
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "common/system/zone_rules.h"
+#include "common/text/utf.h"
 #include "instrument/time_zones.h"
 #include "times.h"
 
@@ -40,8 +41,8 @@ TEST(TimeZoneTable, HasRulesThatTheClockTakes) {
 TEST(TimeZoneTable, NamesBothTimes) {
   const auto mexico = FindTimeZone("Mexico Standard Time 2");
   ASSERT_TRUE(mexico);
-  EXPECT_EQ(std::u16string(mexico->StandardName), u"Mexico Standard Time 2");
-  EXPECT_EQ(std::u16string(mexico->DaylightName), u"Mexico Daylight Time 2");
+  EXPECT_EQ(host::WideString(mexico->StandardName), TEXT("Mexico Standard Time 2"));
+  EXPECT_EQ(host::WideString(mexico->DaylightName), TEXT("Mexico Daylight Time 2"));
 }
 
 TEST(TimeZoneTable, FindsAZoneByItsWholeKeyOnly) {

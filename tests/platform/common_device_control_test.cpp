@@ -96,7 +96,7 @@ TEST_F(HostDeviceControl, ReturnsNothingWhenItFails) {
   char bytes[] = "abc";
   DWORD returned = 77;
   EXPECT_FALSE(DeviceIoControl(device, kEcho, bytes, 3, bytes, 2, &returned, nullptr));
-  EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
   EXPECT_EQ(returned, 0u);
 }
 
@@ -115,7 +115,7 @@ TEST_F(HostDeviceControl, ACodeNobodyKnowsIsNotSupported) {
   const platform_test::Handle device(Open());
   DWORD returned = 0;
   EXPECT_FALSE(DeviceIoControl(device, 1, nullptr, 0, nullptr, 0, &returned, nullptr));
-  EXPECT_EQ(GetLastError(), ERROR_NOT_SUPPORTED);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_SUPPORTED});
 }
 
 TEST_F(HostDeviceControl, IsReachedByFaultsOnItsDevice) {
@@ -163,14 +163,14 @@ TEST_F(HostDeviceCalls, AClosingThatFailsLeavesTheDeviceOpen) {
   EXPECT_TRUE(DeviceIoControl(device, kEcho, nullptr, 0, nullptr, 0, nullptr, nullptr));
   EXPECT_TRUE(CloseHandle(device));
   EXPECT_FALSE(CloseHandle(device));
-  EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
   EXPECT_EQ(Listed(), (Calls{"ECH1: open", "ECH1: close", "ECH1: close"}));
 }
 
 TEST_F(HostDeviceCalls, OfADeviceThatIsGoneAreThePlatformsAgain) {
   host::UnregisterDevice("ECH1:");
   EXPECT_EQ(Open(), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
   EXPECT_EQ(Listed(), Calls{"COREDLL CreateFileW"});
 }
 
