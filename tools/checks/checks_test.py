@@ -225,6 +225,14 @@ class ReportTest(unittest.TestCase):
         self.assertEqual([row[0] for row in rows], ["passed", "failed"])
         self.assertEqual(rows[1][1], "asan.unit.P/Suite")
 
+    def test_a_program_without_a_record_or_without_tests_has_failed(self):
+        self.assertEqual(test_report.program("wine", "a_tests", "no/such/file.xml")[0][:2], ("failed", "wine.a_tests"))
+        with tempfile.NamedTemporaryFile("w", suffix=".xml") as record:
+            record.write("<testsuites/>")
+            record.flush()
+            self.assertEqual(test_report.program("wine", "a_tests", record.name),
+                             [("failed", "wine.a_tests", "no tests")])
+
     def test_a_run_without_a_record_has_failed(self):
         self.assertEqual(test_report.collect("asan", "no/such/file.xml")[0][:2], ("failed", "asan.ctest"))
 

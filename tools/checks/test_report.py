@@ -2,6 +2,7 @@
 """Adds up what the stages of a test run have found.
 
   test_report.py collect STAGE JUNIT.XML RECORDS   result rows of one ctest run, for a stage's result file
+  test_report.py program STAGE NAME RECORD         result rows of one test program, from the record it left
   test_report.py summary FILE ...           skipped and failed tests by name; the last line is the sum
 
 RECORDS is the folder where suites that run as one of ctest's tests leave a record of their own (tests/suites.py).
@@ -78,6 +79,15 @@ def collect(stage, junit, records="no/records"):
     return list(dict.fromkeys((kind, f"{stage}.{name}", reason) for name, kind, reason in judged))
 
 
+def program(stage, name, record):
+    """Result rows of one test program; one that left no readable record is one failure."""
+    try:
+        return [(kind, f"{stage}.{test}", reason) for test, kind, reason in recorded(name, record)] or \
+            [("failed", f"{stage}.{name}", "no tests")]
+    except (OSError, ElementTree.ParseError) as error:
+        return [("failed", f"{stage}.{name}", str(error))]
+
+
 def read(files):
     rows = []
     for file in files:
@@ -104,6 +114,10 @@ def summary(rows):
 def main(arguments):
     if len(arguments) == 4 and arguments[0] == "collect":
         for row in collect(*arguments[1:]):
+            print("\t".join(row))
+        return 0
+    if len(arguments) == 4 and arguments[0] == "program":
+        for row in program(*arguments[1:]):
             print("\t".join(row))
         return 0
     if len(arguments) >= 2 and arguments[0] == "summary":

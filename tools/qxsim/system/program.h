@@ -11,7 +11,7 @@ namespace qxsim {
 std::vector<std::string> ProgramArguments(int argc, char** argv);
 
 /// The user's wish that the program shall end. Posix: SIGINT, SIGTERM, and SIGHUP where it is not ignored. Windows:
-/// Ctrl-C, Ctrl-Break, the console being closed, and the end of standard input where that is a pipe. One in a process.
+/// Ctrl-C, Ctrl-Break and the console being closed. One in a process.
 class EndRequest {
  public:
   /// From here on the wish is kept until somebody waits. Make it before other threads run.

@@ -10,7 +10,6 @@
 #include <condition_variable>
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -23,7 +22,7 @@ struct Wish {
   bool made = false;  // guarded by mutex
 };
 
-// Never destroyed: the console's handler and the reader of standard input may come while the process ends.
+// Never destroyed: the console's handler may come while the process ends.
 Wish& TheWish() {
   static auto* wish = new Wish;
   return *wish;
@@ -43,23 +42,15 @@ BOOL WINAPI TakeConsoleEvent(DWORD event) {
   return TRUE;
 }
 
-void ReadToTheEnd(HANDLE pipe) {
-  char scrap[256];
-  DWORD count = 0;
-  while (::ReadFile(pipe, scrap, sizeof scrap, &count, nullptr) && count > 0) {
-  }
-  MakeWish();
-}
-
 }  // namespace
 
 std::vector<std::string> ProgramArguments(int argc, char** argv) {
   int count = 0;
-  const std::unique_ptr<LPWSTR, decltype(&::LocalFree)> wide(::CommandLineToArgvW(::GetCommandLineW(), &count),
-                                                             ::LocalFree);
+  LPWSTR* const wide = ::CommandLineToArgvW(::GetCommandLineW(), &count);
   if (wide == nullptr) return {argv, argv + argc};
   std::vector<std::string> arguments;
-  for (int i = 0; i < count; ++i) arguments.push_back(std::filesystem::path(wide.get()[i]).u8string());
+  for (int i = 0; i < count; ++i) arguments.push_back(std::filesystem::path(wide[i]).u8string());
+  ::LocalFree(wide);
   return arguments;
 }
 
@@ -68,8 +59,6 @@ EndRequest::EndRequest() {
   for (std::FILE* stream : {stdout, stderr}) ::_setmode(::_fileno(stream), _O_BINARY);
   ::SetConsoleCtrlHandler(nullptr, FALSE);  // whoever started the program may have had Ctrl-C ignored
   ::SetConsoleCtrlHandler(TakeConsoleEvent, TRUE);
-  const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
-  if (::GetFileType(input) == FILE_TYPE_PIPE) std::thread(ReadToTheEnd, input).detach();
 }
 
 void EndRequest::Wait() {
