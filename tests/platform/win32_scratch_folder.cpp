@@ -1,5 +1,4 @@
 // On Windows the test's folder is "\Scratch" below a root of its own, which has a folder around it to itself.
-#include <atomic>
 #include <filesystem>
 
 #include "common/files/file_root.h"
@@ -11,10 +10,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Process numbers come again, and a test that was killed has left its folder.
 fs::path NewFolder() {
-  static std::atomic<unsigned> count{0};
-  const std::wstring name = L"qx-files-" + std::to_wstring(::GetCurrentProcessId()) + L'-' + std::to_wstring(++count);
-  return fs::temp_directory_path() / name;
+  LARGE_INTEGER now = {};
+  ::QueryPerformanceCounter(&now);
+  const std::wstring name = std::to_wstring(::GetCurrentProcessId()) + L'-' + std::to_wstring(now.QuadPart);
+  return fs::temp_directory_path() / (L"qx-files-" + name);
 }
 
 // By a path that the system takes as it stands: names as long as they may be, and "NUL" is a file. What is read-only
