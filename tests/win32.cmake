@@ -27,9 +27,5 @@ add_test(NAME wine.stop COMMAND ${wine} stop)
 set_tests_properties(wine.start PROPERTIES FIXTURES_SETUP wine)
 set_tests_properties(wine.stop PROPERTIES FIXTURES_CLEANUP wine)
 foreach(folder platform abi)
-  set(discovery TEST_PREFIX ${folder}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120)
-  gtest_discover_tests(${folder}_tests ${discovery} TEST_FILTER "-*InTime*"
-    PROPERTIES TIMEOUT 120 FIXTURES_REQUIRED wine)
-  gtest_discover_tests(${folder}_tests ${discovery} TEST_FILTER "*InTime*" TEST_LIST ${folder}_tests_in_time
-    PROPERTIES TIMEOUT 120 FIXTURES_REQUIRED wine LABELS in_time)
+  qx_list_tests(${folder}_tests ${folder} FIXTURES_REQUIRED wine)
 endforeach()

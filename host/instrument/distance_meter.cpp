@@ -9,11 +9,6 @@
 
 namespace host::instrument {
 
-namespace {
-constexpr std::uint32_t kDistanceReady = 0x1;
-constexpr std::uint32_t kMeasurementEnded = 0x4;
-}  // namespace
-
 DistanceMeter& DistanceMeter::Instance() {
   static DistanceMeter meter;
   return meter;

@@ -16,6 +16,12 @@ std::int32_t WINAPI QxSystemGetEventWindow(HWND* window, UINT* message);
 
 namespace host::instrument {
 
+/// Events, as the bits of a mask.
+constexpr std::uint32_t kDistanceReady = 0x1;
+constexpr std::uint32_t kMeasurementEnded = 0x4;
+constexpr std::uint32_t kAngleEvent = 0x8;
+constexpr std::uint32_t kTiltEvent = 0x40;
+
 /// The application names its window; null for none. Counts from the next call of ordinal 63. Any thread.
 void SetEventWindow(HWND window, UINT message);
 

@@ -13,8 +13,6 @@
 namespace host::instrument {
 namespace {
 
-constexpr std::uint32_t kAngleEvent = 0x8;
-constexpr std::uint32_t kTiltEvent = 0x40;
 constexpr std::int64_t kLongestMs = 3600000;
 
 struct PoseMember {

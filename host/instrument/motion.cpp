@@ -11,8 +11,6 @@ namespace host::instrument {
 
 namespace {
 
-constexpr std::uint32_t kAngleEvent = 0x8;
-constexpr std::uint32_t kTiltEvent = 0x40;
 constexpr std::uint64_t kStepMs = 100;
 constexpr std::uint64_t kAimMs = 6000;  // turning to a target and resting on it
 constexpr double kTurnShare = 0.6;      // of that time
