@@ -1,5 +1,5 @@
 #include "common/calls/entry.h"
-#include "windows/kernel/last_error.h"
+#include "common/calls/last_error.h"
 
 namespace host {
 namespace {

@@ -1,12 +1,12 @@
 // CopyFileW.
 #include <algorithm>
 
+#include "common/calls/last_error.h"
 #include "common/files/file_space.h"
 #include "common/files/files.h"
 #include "common/files/paths.h"
 #include "windows/disk/attributes.h"
 #include "windows/disk/places.h"
-#include "windows/kernel/last_error.h"
 
 namespace host {
 namespace {

@@ -1,10 +1,10 @@
 // MoveFileW.
+#include "common/calls/last_error.h"
 #include "common/files/file_space.h"
 #include "common/files/files.h"
 #include "common/files/paths.h"
 #include "windows/disk/places.h"
 #include "windows/files/open_paths.h"
-#include "windows/kernel/last_error.h"
 
 namespace host {
 namespace {

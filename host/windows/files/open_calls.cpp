@@ -1,5 +1,6 @@
 // CreateFileW on files, and SetFilePointer.
 #include "common/calls/errors.h"
+#include "common/calls/last_error.h"
 #include "common/files/file_space.h"
 #include "common/files/files.h"
 #include "common/files/open_request.h"
@@ -7,7 +8,6 @@
 #include "windows/disk/attributes.h"
 #include "windows/disk/places.h"
 #include "windows/files/open_file.h"
-#include "windows/kernel/last_error.h"
 
 namespace host {
 namespace {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "common/calls/errors.h"
+#include "common/calls/last_error.h"
 #include "common/files/file_space.h"
 #include "common/files/files.h"
 #include "common/files/names.h"
@@ -13,7 +14,6 @@
 #include "common/kernel/handles.h"
 #include "windows/disk/attributes.h"
 #include "windows/disk/places.h"
-#include "windows/kernel/last_error.h"
 
 namespace host {
 namespace {

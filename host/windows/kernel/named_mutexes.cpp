@@ -7,7 +7,7 @@
 #include <set>
 
 #include "common/calls/calls.h"
-#include "windows/kernel/last_error.h"
+#include "common/calls/last_error.h"
 
 // Of ntdll.dll; no header has it.
 extern "C" NTSTATUS NTAPI NtQueryMutant(HANDLE mutex, int information_class, void* information, ULONG size,

@@ -4,7 +4,7 @@
 #include <unordered_map>
 
 #include "common/calls/calls.h"
-#include "windows/kernel/last_error.h"
+#include "common/calls/last_error.h"
 
 namespace host {
 namespace {

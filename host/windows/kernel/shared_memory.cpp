@@ -5,9 +5,9 @@
 #include <memory>
 
 #include "common/calls/errors.h"
+#include "common/calls/last_error.h"
 #include "common/kernel/named_objects.h"
 #include "common/text/utf.h"
-#include "windows/kernel/last_error.h"
 #include "windows/kernel/object_names.h"
 #include "windows/kernel/real_handles.h"
 

@@ -1,13 +1,12 @@
-#include "common/registry/registry_calls.h"
-
 #include <cstring>
 #include <shared_mutex>
 #include <utility>
 
+#include "common/calls/last_error.h"
 #include "common/kernel/handles.h"
 #include "common/registry/registry.h"
 #include "common/registry/registry_arguments.h"
-#include "windows/kernel/last_error.h"
+#include "common/registry/registry_calls.h"
 #include "windows/registry/private_key.h"
 #include "windows/registry/registry_lock.h"
 #include "windows/registry/system_keys.h"

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "common/calls/calls.h"
+#include "common/calls/last_error.h"
 #include "common/kernel/handles.h"
-#include "windows/kernel/last_error.h"
 
 namespace host {
 namespace {

@@ -1,6 +1,6 @@
 // The last error of a call, and the host's own work in and beside it, which leaves it alone.
-#ifndef QXHOST_WINDOWS_KERNEL_LAST_ERROR_H
-#define QXHOST_WINDOWS_KERNEL_LAST_ERROR_H
+#ifndef QXHOST_COMMON_CALLS_LAST_ERROR_H
+#define QXHOST_COMMON_CALLS_LAST_ERROR_H
 
 #include <windows.h>
 
