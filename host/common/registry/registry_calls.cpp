@@ -1,43 +1,22 @@
+#include "common/registry/registry_calls.h"
+
 #include <cstring>
-#include <shared_mutex>
 #include <utility>
 
 #include "common/calls/last_error.h"
-#include "common/kernel/handles.h"
+#include "common/registry/open_key.h"
 #include "common/registry/registry.h"
 #include "common/registry/registry_arguments.h"
-#include "common/registry/registry_calls.h"
-#include "windows/registry/private_key.h"
-#include "windows/registry/registry_lock.h"
-#include "windows/registry/system_keys.h"
 
 namespace host {
 namespace {
-
-/// A key as an open handle knows it. The system tells when it has been deleted.
-class OpenKey final : public KernelObject {
- public:
-  OpenKey(RegistryPath path, HKEY key, bool own) : path_(std::move(path)), key_(key), own_(own) {}
-  ~OpenKey() override {
-    if (own_) ::RegCloseKey(key_);
-  }
-  bool EndsWithCloseHandle() const override { return false; }
-  const RegistryPath& path() const { return path_; }
-  HKEY system_key() const { return key_; }
-
- private:
-  const RegistryPath path_;
-  const HKEY key_;
-  const bool own_;
-};
 
 using Key = std::shared_ptr<const OpenKey>;
 
 /// Null when the handle is no key's.
 Key FindOpenKey(HKEY key) {
-  if (!IsRegistryRoot(key)) return std::dynamic_pointer_cast<OpenKey>(FindObject(key));
-  const std::size_t root = RegistryRootPlace(key);
-  return std::make_shared<OpenKey>(RegistryPath{kRegistryRoots[root]}, SystemRoot(root), false);
+  if (IsRegistryRoot(key)) return OpenRegistryRoot(RegistryRootPlace(key));
+  return std::dynamic_pointer_cast<OpenKey>(FindObject(key));
 }
 
 /// What a handle and a path name together.
@@ -53,41 +32,33 @@ DWORD FindTarget(HKEY key, LPCWSTR path, Target* target) {
   return AppendRegistryPath(Text(path), &target->path);
 }
 
-/// The part of the path that is below the open key, as the system takes it.
-WideString Below(const Target& target) {
-  WideString below;
-  for (std::size_t i = target.base->path().size(); i < target.path.size(); ++i) {
-    below += (below.empty() ? TEXT("") : TEXT("\\")) + target.path[i];
-  }
-  return below;
-}
-
-LONG Open(const Target& target, PHKEY opened) {
-  HKEY key = nullptr;
-  const LONG error = ::RegOpenKeyExW(target.base->system_key(), Below(target).c_str(), 0, KEY_ALL_ACCESS, &key);
-  if (error != 0) return error;
-  const HANDLE handle = InsertHandle(std::make_shared<OpenKey>(target.path, key, true));
+LONG Open(const Target& target, const RegistryContent* made, PHKEY opened) {
+  std::shared_ptr<OpenKey> key;
+  if (const DWORD error = target.base->Open(target.path, made, &key)) return Code(error);
+  const HANDLE handle = InsertHandle(std::move(key));
   if (handle == nullptr) return Code(ERROR_NOT_ENOUGH_MEMORY);
   *opened = static_cast<HKEY>(handle);
   return Code(ERROR_SUCCESS);
-}
-
-/// 0 as long as the key exists, else what the system says.
-DWORD StateOf(const OpenKey& key) {
-  return static_cast<DWORD>(::RegQueryInfoKeyW(key.system_key(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                               nullptr, nullptr, nullptr, nullptr, nullptr));
 }
 
 /// Changes what is at or under an open key.
 template <class Edit>
 LONG ChangeKey(const OpenKey& key, const Edit& edit) {
   return Code(Registry::Instance().Change([&](RegistryContent* content) {
-    if (const DWORD error = StateOf(key)) return error;
+    if (const DWORD error = key.State(*content)) return error;
     RegistryEdit changes(*content);
     const DWORD error = edit(changes);
     *content = changes.content();
     return error;
   }));
+}
+
+LONG GiveData(const std::vector<BYTE>& value, BYTE* data, LPDWORD size) {
+  const DWORD room = std::exchange(*size, static_cast<DWORD>(value.size()));
+  if (data == nullptr) return Code(ERROR_SUCCESS);
+  if (room < *size) return Code(ERROR_MORE_DATA);
+  if (*size != 0) std::memcpy(data, value.data(), *size);
+  return Code(ERROR_SUCCESS);
 }
 
 }  // namespace
@@ -102,8 +73,7 @@ LONG RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, DWORD, PHKEY opened) {
   if (opened == nullptr || options != 0) return Code(ERROR_INVALID_PARAMETER);
   Target target;
   if (const DWORD error = FindTarget(key, path, &target)) return Code(error);
-  const std::shared_lock<std::shared_mutex> lock(RegistryLock());
-  return Open(target, opened);
+  return Open(target, nullptr, opened);
 }
 
 LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPCWSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, PHKEY opened,
@@ -112,16 +82,17 @@ LONG RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPCWSTR, DWORD, DWO
   if (opened == nullptr || reserved != 0) return Code(ERROR_INVALID_PARAMETER);
   Target target;
   if (const DWORD error = FindTarget(key, path, &target)) return Code(error);
-  bool made = false;
+  bool is_new = false;
+  RegistryContent made;
   const LONG error = ChangeKey(*target.base, [&](RegistryEdit& edit) {
-    made = FindRegistryKey(edit.content(), target.path) == nullptr;
+    is_new = FindRegistryKey(edit.content(), target.path) == nullptr;
     edit.AddKey(target.path);
+    made = edit.content();
     return DWORD{ERROR_SUCCESS};
   });
   if (error != 0) return error;
-  if (disposition != nullptr) *disposition = made ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
-  const std::shared_lock<std::shared_mutex> lock(RegistryLock());
-  return Open(target, opened);
+  if (disposition != nullptr) *disposition = is_new ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
+  return Open(target, &made, opened);
 }
 
 LONG RegCloseKey(HKEY key) {
@@ -137,17 +108,9 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, BY
   const Key open = FindOpenKey(key);
   if (open == nullptr) return Code(ERROR_INVALID_HANDLE);
   RegistryValue value;
-  {
-    const std::shared_lock<std::shared_mutex> lock(RegistryLock());
-    if (const LONG error = ReadSystemValue(open->system_key(), name, &value)) return error;
-  }
+  if (const DWORD error = open->Read(name, &value)) return Code(error);
   if (type != nullptr) *type = value.type;
-  if (size == nullptr) return Code(ERROR_SUCCESS);
-  const DWORD room = std::exchange(*size, static_cast<DWORD>(value.data.size()));
-  if (data == nullptr) return Code(ERROR_SUCCESS);
-  if (room < *size) return Code(ERROR_MORE_DATA);
-  if (*size != 0) std::memcpy(data, value.data.data(), *size);
-  return Code(ERROR_SUCCESS);
+  return size == nullptr ? Code(ERROR_SUCCESS) : GiveData(value.data, data, size);
 }
 
 LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size) {
