@@ -6,7 +6,7 @@ add_library(qxhost SHARED ${common_sources} ${instrument_sources} ${windows_sour
 set_target_properties(qxhost PROPERTIES PREFIX "" OUTPUT_NAME QXHost
   ARCHIVE_OUTPUT_NAME qxhost IMPORT_SUFFIX .a ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 target_include_directories(qxhost SYSTEM BEFORE PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/windows/include)
-target_include_directories(qxhost PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+target_include_directories(qxhost PUBLIC ${CMAKE_CURRENT_SOURCE_DIR} PRIVATE windows)
 target_compile_definitions(qxhost PUBLIC ${battery_settings})
 target_link_options(qxhost PRIVATE -Wl,--export-all-symbols)
 target_link_libraries(qxhost PUBLIC qx_headers PRIVATE Threads::Threads qx_options version ntdll)

@@ -26,9 +26,6 @@ struct FileChange {
   std::optional<FILETIME> written;
 };
 
-/// The attributes with those of the change.
-DWORD ChangedAttributes(DWORD attributes, const FileChange& change);
-
 /// Returns 0 or the error, as GetFileAttributesW.
 DWORD ReadInstrumentFile(WideView path, InstrumentFile* file);
 

@@ -11,17 +11,17 @@
 namespace host {
 namespace {
 
-using Key = std::shared_ptr<const OpenKey>;
+using KeyPointer = std::shared_ptr<const OpenKey>;
 
 /// Null when the handle is no key's.
-Key FindOpenKey(HKEY key) {
+KeyPointer FindOpenKey(HKEY key) {
   if (IsRegistryRoot(key)) return OpenRegistryRoot(RegistryRootPlace(key));
   return std::dynamic_pointer_cast<OpenKey>(FindObject(key));
 }
 
 /// What a handle and a path name together.
 struct Target {
-  Key base;
+  KeyPointer base;
   RegistryPath path;
 };
 
@@ -105,7 +105,7 @@ LONG RegCloseKey(HKEY key) {
 LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, BYTE* data, LPDWORD size) {
   const KeepLastError keep;
   if (reserved != nullptr || (data != nullptr && size == nullptr)) return Code(ERROR_INVALID_PARAMETER);
-  const Key open = FindOpenKey(key);
+  const KeyPointer open = FindOpenKey(key);
   if (open == nullptr) return Code(ERROR_INVALID_HANDLE);
   RegistryValue value;
   if (const DWORD error = open->Read(name, &value)) return Code(error);
@@ -117,7 +117,7 @@ LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BY
   const KeepLastError keep;
   const bool good = reserved == 0 && (data != nullptr || size == 0) && size <= kLargestRegistryValue;
   if (!good || !GoodRegistryName(Text(name))) return Code(ERROR_INVALID_PARAMETER);
-  const Key open = FindOpenKey(key);
+  const KeyPointer open = FindOpenKey(key);
   if (open == nullptr) return Code(ERROR_INVALID_HANDLE);
   return ChangeKey(*open, [&](RegistryEdit& edit) {
     edit.SetValue(open->path(), {WideString(Text(name)), type, std::vector<BYTE>(data, data + size)});
@@ -127,7 +127,7 @@ LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BY
 
 LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
   const KeepLastError keep;
-  const Key open = FindOpenKey(key);
+  const KeyPointer open = FindOpenKey(key);
   if (open == nullptr) return Code(ERROR_INVALID_HANDLE);
   return ChangeKey(*open, [&](RegistryEdit& edit) -> DWORD {
     return edit.RemoveValue(open->path(), Text(name)) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;

@@ -79,15 +79,23 @@ DWORD StoreOnFile(int descriptor, const FileFacts& facts, DWORD attributes) {
 
 }  // namespace
 
-DWORD ReadAttributes(int descriptor, const FileFacts& facts) {
-  DWORD attributes = ReadKept(descriptor).value_or(DefaultOf(facts));
+DWORD AttributesOf(const DiskEntry& entry) {
+  const FileFacts& facts = entry.facts;
+  DWORD attributes = ReadKept(entry.descriptor.get()).value_or(DefaultOf(facts));
   if (facts.folder()) return attributes | FILE_ATTRIBUTE_DIRECTORY;
   attributes &= ~FILE_ATTRIBUTE_READONLY;
   if (!facts.owner_may_write()) attributes |= FILE_ATTRIBUTE_READONLY;
   return attributes != 0 ? attributes : FILE_ATTRIBUTE_NORMAL;
 }
 
-DWORD ReadAttributes(const DiskEntry& entry) { return ReadAttributes(entry.descriptor.get(), entry.facts); }
+FileTimes TimesOf(const DiskEntry& entry) {
+  const FileFacts& facts = entry.facts;
+  return {ToFileTime(facts.made), ToFileTime(facts.accessed), ToFileTime(facts.written)};
+}
+
+DWORD StoreAttributes(const DiskEntry& entry, DWORD attributes) {
+  return StoreAttributes(entry.descriptor.get(), entry.facts, attributes);
+}
 
 DWORD StoreAttributes(int descriptor, const FileFacts& facts, DWORD attributes) {
   attributes &= kSettableAttributes;
@@ -108,6 +116,10 @@ timespec InstrumentTime() { return FromFileTime(FileTimeOf(ClockTicks())); }
 DWORD StoreWrittenTime(int descriptor, const timespec& written) {
   const timespec times[2] = {{0, UTIME_OMIT}, written};
   return utimensat(AT_FDCWD, PinnedPath(descriptor).c_str(), times, 0) == 0 ? ERROR_SUCCESS : HostError();
+}
+
+DWORD StoreWrittenTime(const DiskEntry& entry, const FILETIME& written) {
+  return StoreWrittenTime(entry.descriptor.get(), FromFileTime(written));
 }
 
 FILETIME ToFileTime(const timespec& time) {

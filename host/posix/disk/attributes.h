@@ -11,19 +11,12 @@
 
 #include <ctime>
 
+#include "common/files/attributes.h"
 #include "posix/disk/entries.h"
 
 namespace host {
 
-/// The attributes that can be set.
-constexpr DWORD kSettableAttributes =
-    FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE;
-
-/// As GetFileAttributesW gives them: FILE_ATTRIBUTE_NORMAL when there is none.
-DWORD ReadAttributes(int descriptor, const FileFacts& facts);
-DWORD ReadAttributes(const DiskEntry& entry);
-
-/// Sets those of kSettableAttributes. Returns 0, or the error with nothing changed.
+/// StoreAttributes for an open descriptor, which need not be a pin.
 DWORD StoreAttributes(int descriptor, const FileFacts& facts, DWORD attributes);
 
 /// Sets the archive attribute of a file that has been written, and its last-write time by the instrument's clock; the
@@ -33,7 +26,7 @@ void MarkWritten(int descriptor);
 /// The time of the instrument's clock.
 timespec InstrumentTime();
 
-/// Sets the last-write time; returns 0 or the error.
+/// StoreWrittenTime for an open descriptor.
 DWORD StoreWrittenTime(int descriptor, const timespec& written);
 
 /// Units of 100 ns since 1601, UTC.

@@ -15,12 +15,27 @@ bool SetAttributes(HANDLE open, DWORD attributes) {
 
 DWORD Settable(const FileFacts& facts) { return facts.attributes & kSettableAttributes; }
 
+// All of them or none.
+DWORD KeepAttributes(HANDLE open, DWORD attributes) {
+  FileFacts before, after;
+  if (!ReadFacts(open, &before) || !SetAttributes(open, attributes) || !ReadFacts(open, &after)) return SystemError();
+  if (Settable(after) == attributes) return ERROR_SUCCESS;
+  SetAttributes(open, Settable(before));
+  return ERROR_NOT_SUPPORTED;
+}
+
+bool SetWrittenTime(HANDLE open, const FILETIME& written) {
+  return ::SetFileTime(open, nullptr, nullptr, &written) != FALSE;
+}
+
 }  // namespace
 
-DWORD InstrumentAttributes(const FileFacts& facts) {
-  const DWORD attributes = facts.attributes & (kSettableAttributes | FILE_ATTRIBUTE_DIRECTORY);
+DWORD AttributesOf(const DiskEntry& entry) {
+  const DWORD attributes = entry.facts.attributes & (kSettableAttributes | FILE_ATTRIBUTE_DIRECTORY);
   return attributes != 0 ? attributes : FILE_ATTRIBUTE_NORMAL;
 }
+
+FileTimes TimesOf(const DiskEntry& entry) { return {entry.facts.made, entry.facts.accessed, entry.facts.written}; }
 
 SystemHandle OpenForFacts(const WideString& path) {
   SystemHandle open(::CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES,
@@ -31,17 +46,14 @@ SystemHandle OpenForFacts(const WideString& path) {
   return SystemHandle();
 }
 
-DWORD StoreAttributes(HANDLE open, DWORD attributes) {
-  FileFacts before, after;
-  attributes &= kSettableAttributes;
-  if (!ReadFacts(open, &before) || !SetAttributes(open, attributes) || !ReadFacts(open, &after)) return SystemError();
-  if (Settable(after) == attributes) return ERROR_SUCCESS;
-  SetAttributes(open, Settable(before));
-  return ERROR_NOT_SUPPORTED;
+DWORD StoreAttributes(const DiskEntry& entry, DWORD attributes) {
+  const SystemHandle open = OpenForFacts(entry.path);
+  return open.valid() ? KeepAttributes(open.get(), attributes & kSettableAttributes) : SystemError();
 }
 
-DWORD StoreWrittenTime(HANDLE open, const FILETIME& written) {
-  return ::SetFileTime(open, nullptr, nullptr, &written) ? ERROR_SUCCESS : SystemError();
+DWORD StoreWrittenTime(const DiskEntry& entry, const FILETIME& written) {
+  const SystemHandle open = OpenForFacts(entry.path);
+  return open.valid() && SetWrittenTime(open.get(), written) ? ERROR_SUCCESS : SystemError();
 }
 
 void MarkMade(HANDLE open) {
@@ -49,6 +61,6 @@ void MarkMade(HANDLE open) {
   ::SetFileTime(open, &now, &now, &now);
 }
 
-void MarkWritten(HANDLE open) { StoreWrittenTime(open, FileTimeOf(ClockTicks())); }
+void MarkWritten(HANDLE open) { SetWrittenTime(open, FileTimeOf(ClockTicks())); }
 
 }  // namespace host

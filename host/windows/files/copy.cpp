@@ -1,11 +1,8 @@
-// CopyFileW.
+#include "common/files/copy.h"
+
 #include <algorithm>
 
-#include "common/calls/last_error.h"
 #include "common/files/file_space.h"
-#include "common/files/files.h"
-#include "common/files/paths.h"
-#include "windows/disk/attributes.h"
 #include "windows/disk/places.h"
 
 namespace host {
@@ -14,24 +11,10 @@ namespace {
 struct Copy {
   Place from;
   Place to;
-  bool overwrite = false;
 
   std::uint64_t old_size() const { return to.entry.exists() ? to.entry.facts.size : 0; }
   const WideString& target() const { return to.entry.exists() ? to.entry.path : to.new_path; }
 };
-
-// What CopyFileW overwrites must be plain: neither read-only nor hidden nor a system file.
-bool MayBeOverwritten(const FileFacts& facts) {
-  return (facts.attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)) == 0;
-}
-
-DWORD CheckTarget(const Copy& copy) {
-  const Place& to = copy.to;
-  if (!to.entry.exists()) return to.ends_with_separator ? ERROR_INVALID_NAME : ChangeRefused(to);
-  if (!copy.overwrite) return ERROR_FILE_EXISTS;
-  if (to.entry.facts.folder() || !MayBeOverwritten(to.entry.facts)) return ERROR_ACCESS_DENIED;
-  return to.ends_with_separator ? ERROR_INVALID_NAME : ERROR_SUCCESS;
-}
 
 DWORD FindBoth(WideView source, WideView destination, Copy* copy) {
   DWORD error = LocateExisting(source, &copy->from);
@@ -64,20 +47,14 @@ DWORD CopyWithinRoom(const Copy& copy) {
   return error;
 }
 
-DWORD CopyByPath(LPCWSTR source, LPCWSTR destination, bool overwrite) {
-  const auto lock = LockNames();
-  Copy copy;
-  copy.overwrite = overwrite;
-  DWORD error = FindBoth(PathText(source), PathText(destination), &copy);
-  if (error == ERROR_SUCCESS) error = CheckTarget(copy);
-  return error == ERROR_SUCCESS ? CopyWithinRoom(copy) : error;
-}
-
 }  // namespace
 
-BOOL CopyFileW(LPCWSTR source, LPCWSTR destination, BOOL fail_if_exists) {
-  const LastErrorBefore before;
-  return before.End(CopyByPath(source, destination, fail_if_exists == FALSE), TRUE, FALSE);
+DWORD CopyByPath(WideView source, WideView destination, bool overwrite) {
+  const auto lock = LockNames();
+  Copy copy;
+  DWORD error = FindBoth(source, destination, &copy);
+  if (error == ERROR_SUCCESS) error = CheckCopyTarget(copy.to, overwrite);
+  return error == ERROR_SUCCESS ? CopyWithinRoom(copy) : error;
 }
 
 }  // namespace host

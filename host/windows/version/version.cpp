@@ -8,7 +8,7 @@
 #include "common/calls/errors.h"
 #include "common/files/files.h"
 #include "windows/disk/entries.h"
-#include "windows/files/open_file.h"
+#include "windows/files/disk_file.h"
 #include "windows/version/version_blocks.h"
 
 namespace host {
@@ -17,14 +17,14 @@ namespace {
 constexpr std::uint64_t kLargestFile = std::uint64_t{64} << 20;
 constexpr DWORD kBlockHeader = 6;
 
-using File = std::shared_ptr<const OpenFile>;
+using File = std::shared_ptr<const DiskFile>;
 
 /// The file, open for as long as the system reads it; null with the last error set.
 File OpenModule(LPCWSTR path) {
   if (path == nullptr) return Fail(ERROR_INVALID_PARAMETER, File());
   if (*path != 0 && WideView(path).back() == TEXT(':')) return Fail(ERROR_FILE_NOT_FOUND, File());  // a device
   const OpenRequest reading = {GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0};
-  const auto file = std::dynamic_pointer_cast<OpenFile>(OpenFileByPath(path, reading));
+  const auto file = std::dynamic_pointer_cast<DiskFile>(OpenFileByPath(path, reading));
   if (file == nullptr) return File();
   return file->Size() <= kLargestFile ? file : Fail(ERROR_NOT_ENOUGH_MEMORY, File());
 }

@@ -1,4 +1,4 @@
-#include "windows/files/open_file.h"
+#include "windows/files/disk_file.h"
 
 #include <algorithm>
 #include <utility>
@@ -6,6 +6,7 @@
 #include "common/calls/errors.h"
 #include "common/files/file_space.h"
 #include "windows/disk/attributes.h"
+#include "windows/disk/places.h"
 
 namespace host {
 namespace {
@@ -20,15 +21,15 @@ std::int64_t MoveTo(HANDLE file, std::int64_t distance, DWORD method) {
 
 }  // namespace
 
-OpenFile::OpenFile(std::string name, WideString path, SystemHandle file)
-    : name_(std::move(name)), path_(std::move(path)), file_(std::move(file)) {}
+DiskFile::DiskFile(std::string name, WideString path, SystemHandle file)
+    : OpenFile(std::move(name)), path_(std::move(path)), file_(std::move(file)) {}
 
-BOOL OpenFile::Read(void* buffer, DWORD bytes, DWORD* read) {
+BOOL DiskFile::Read(void* buffer, DWORD bytes, DWORD* read) {
   const std::lock_guard<std::mutex> lock(mutex_);
   return ::ReadFile(file_.get(), buffer, bytes, read, nullptr) ? TRUE : Fail(SystemError(), FALSE);
 }
 
-BOOL OpenFile::Write(const void* buffer, DWORD bytes, DWORD* written) {
+BOOL DiskFile::Write(const void* buffer, DWORD bytes, DWORD* written) {
   const std::lock_guard<std::mutex> lock(mutex_);
   const std::int64_t position = MoveTo(file_.get(), 0, FILE_CURRENT);
   if (position < 0) return FALSE;
@@ -42,7 +43,7 @@ BOOL OpenFile::Write(const void* buffer, DWORD bytes, DWORD* written) {
   return TRUE;
 }
 
-DWORD OpenFile::WriteAt(std::uint64_t position, const void* buffer, DWORD bytes) {
+DWORD DiskFile::WriteAt(std::uint64_t position, const void* buffer, DWORD bytes) {
   const std::uint64_t size = Size();
   const std::uint64_t end = position + bytes;
   const std::uint64_t growth = bytes == 0 ? 0 : end - std::min(end, size);
@@ -56,23 +57,37 @@ DWORD OpenFile::WriteAt(std::uint64_t position, const void* buffer, DWORD bytes)
   return error;
 }
 
-void OpenFile::CutTo(std::uint64_t size) {
+void DiskFile::CutTo(std::uint64_t size) {
   if (Size() <= size || MoveTo(file_.get(), static_cast<std::int64_t>(size), FILE_BEGIN) < 0) return;
   ::SetEndOfFile(file_.get());
 }
 
-std::uint64_t OpenFile::Size() const {
+std::uint64_t DiskFile::Size() const {
   LARGE_INTEGER size;
   return ::GetFileSizeEx(file_.get(), &size) ? static_cast<std::uint64_t>(size.QuadPart) : 0;
 }
 
-std::int64_t OpenFile::Seek(std::int64_t distance, DWORD method, bool fits_32_bits) {
+std::int64_t DiskFile::Seek(std::int64_t distance, DWORD method, bool fits_32_bits) {
   const std::lock_guard<std::mutex> lock(mutex_);
   const std::int64_t before = MoveTo(file_.get(), 0, FILE_CURRENT);
   const std::int64_t position = MoveTo(file_.get(), distance, method);
   if (position < 0 || !fits_32_bits || position <= std::int64_t{UINT32_MAX}) return position;
   MoveTo(file_.get(), before, FILE_BEGIN);
   return Fail(ERROR_INVALID_PARAMETER, kNoPosition);
+}
+
+DWORD OpenAt(const Place& place, WideView path, const OpenRequest& request, std::shared_ptr<DiskFile>* file) {
+  const bool anew = request.disposition == CREATE_NEW;
+  const WideString& real = anew ? place.new_path : place.entry.path;
+  const DWORD access = anew ? request.access | FILE_WRITE_ATTRIBUTES : request.access;
+  SystemHandle open(::CreateFileW(real.c_str(), access, request.share, nullptr, request.disposition,
+                                  FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+  if (!open.valid()) return SystemError();
+  if (!LiesAt(open.get(), real)) return ERROR_ACCESS_DENIED;
+  if (anew) MarkMade(open.get());
+  WideString final_path = FinalPath(open.get());
+  *file = std::make_shared<DiskFile>(WideToUtf8(path), std::move(final_path), std::move(open));
+  return ERROR_SUCCESS;
 }
 
 }  // namespace host

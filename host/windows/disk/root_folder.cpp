@@ -1,29 +1,11 @@
-#include "windows/disk/file_root.h"
+#include "windows/disk/root_folder.h"
 
-#include <mutex>
 #include <system_error>
 
-#include "common/files/file_root.h"
 #include "windows/disk/entries.h"
 
 namespace host {
 namespace {
-
-struct Disk {
-  std::mutex mutex;
-  std::shared_ptr<const RootFolder> root;  // guarded by mutex
-};
-
-Disk& TheDisk() {
-  static auto* disk = new Disk;  // files may still be in use while the process ends
-  return *disk;
-}
-
-void UseRoot(std::shared_ptr<const RootFolder> root) {
-  Disk& disk = TheDisk();
-  const std::lock_guard<std::mutex> lock(disk.mutex);
-  disk.root.swap(root);
-}
 
 /// Throws the last error unless `good`.
 void Expect(bool good, const std::string& folder) {
@@ -40,7 +22,7 @@ WideString WholePath(const WideString& folder) {
 
 }  // namespace
 
-void SetFileRoot(const std::string& folder) {
+std::shared_ptr<const RootFolder> OpenRootFolder(const std::string& folder) {
   auto root = std::make_shared<RootFolder>();
   root->pin = SystemHandle(::CreateFileW(WholePath(Utf8ToWide(folder)).c_str(), FILE_LIST_DIRECTORY,
                                          FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
@@ -53,15 +35,7 @@ void SetFileRoot(const std::string& folder) {
   root->path = FinalPath(root->pin.get());
   Expect(!root->path.empty(), folder);
   if (root->path.back() == TEXT('\\')) root->path.pop_back();
-  UseRoot(std::move(root));
-}
-
-void ClearFileRoot() { UseRoot(nullptr); }
-
-std::shared_ptr<const RootFolder> FileRoot() {
-  Disk& disk = TheDisk();
-  const std::lock_guard<std::mutex> lock(disk.mutex);
-  return disk.root;
+  return root;
 }
 
 }  // namespace host

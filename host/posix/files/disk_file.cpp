@@ -1,4 +1,4 @@
-#include "posix/files/open_file.h"
+#include "posix/files/disk_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -40,44 +40,38 @@ int HostFlags(DWORD access) {
   return kAlways | ((access & GENERIC_READ) != 0 ? O_RDWR : O_WRONLY);
 }
 
-DWORD OpenExisting(const Place& place, const std::string& name, const OpenMode& mode, std::shared_ptr<OpenFile>* file) {
+DWORD OpenExisting(const Place& place, const std::string& name, const OpenRequest& request,
+                   std::shared_ptr<DiskFile>* file) {
   const DiskEntry& entry = place.entry;
-  if (!entry.exists()) return ERROR_FILE_NOT_FOUND;
-  if (entry.facts.folder()) return ERROR_ACCESS_DENIED;
-  if (place.ends_with_separator) return ERROR_INVALID_NAME;
-  const bool writes = (mode.access & GENERIC_WRITE) != 0;
-  if (writes && !entry.facts.owner_may_write()) return ERROR_ACCESS_DENIED;
+  const bool writes = (request.access & GENERIC_WRITE) != 0;
   const DWORD error = writes ? WriteProtected() : ERROR_SUCCESS;
   if (error != ERROR_SUCCESS) return error;
-  auto share = TakeShare(entry.facts.id, place.folders, mode.access, mode.share);
+  auto share = TakeShare(entry.facts.id, place.folders, request.access, request.share);
   if (share == nullptr) return ERROR_SHARING_VIOLATION;
-  FileDescriptor data(open(PinnedPath(entry.descriptor.get()).c_str(), HostFlags(mode.access)));
+  FileDescriptor data(open(PinnedPath(entry.descriptor.get()).c_str(), HostFlags(request.access)));
   if (data.get() < 0) return HostError();
-  *file = std::make_shared<OpenFile>(name, std::move(data), mode.access, std::move(share));
+  *file = std::make_shared<DiskFile>(name, std::move(data), request.access, std::move(share));
   return ERROR_SUCCESS;
 }
 
-DWORD MakeNew(const Place& place, const std::string& name, const OpenMode& mode, std::shared_ptr<OpenFile>* file) {
-  if (place.entry.exists()) return ERROR_FILE_EXISTS;
-  if (place.ends_with_separator) return ERROR_INVALID_NAME;
-  const DWORD error = ChangeRefused(place);
-  if (error != ERROR_SUCCESS) return error;
-  const int flags = HostFlags(mode.access) | O_CREAT | O_EXCL | O_NOFOLLOW;
+DWORD MakeNew(const Place& place, const std::string& name, const OpenRequest& request,
+              std::shared_ptr<DiskFile>* file) {
+  const int flags = HostFlags(request.access) | O_CREAT | O_EXCL | O_NOFOLLOW;
   FileDescriptor data(openat(place.folder.descriptor.get(), place.new_name.c_str(), flags, 0666));
   FileFacts facts;
   if (data.get() < 0 || !ReadFacts(data.get(), &facts)) return HostError();
   StoreWrittenTime(data.get(), InstrumentTime());
-  auto share = std::make_unique<Share>(facts.id, place.folders, mode.access, mode.share);
-  *file = std::make_shared<OpenFile>(name, std::move(data), mode.access, std::move(share));
+  auto share = std::make_unique<Share>(facts.id, place.folders, request.access, request.share);
+  *file = std::make_shared<DiskFile>(name, std::move(data), request.access, std::move(share));
   return ERROR_SUCCESS;
 }
 
 }  // namespace
 
-OpenFile::OpenFile(std::string name, FileDescriptor file, DWORD access, std::unique_ptr<Share> share)
-    : name_(std::move(name)), file_(std::move(file)), access_(access), share_(std::move(share)) {}
+DiskFile::DiskFile(std::string name, FileDescriptor file, DWORD access, std::unique_ptr<Share> share)
+    : OpenFile(std::move(name)), file_(std::move(file)), access_(access), share_(std::move(share)) {}
 
-BOOL OpenFile::Read(void* buffer, DWORD bytes, DWORD* read) {
+BOOL DiskFile::Read(void* buffer, DWORD bytes, DWORD* read) {
   if ((access_ & GENERIC_READ) == 0) return Fail(ERROR_ACCESS_DENIED, FALSE);
   const std::lock_guard<std::mutex> lock(mutex_);
   const DWORD count = TransferAll(pread, file_.get(), static_cast<char*>(buffer), bytes, position_);
@@ -87,7 +81,7 @@ BOOL OpenFile::Read(void* buffer, DWORD bytes, DWORD* read) {
   return TRUE;
 }
 
-BOOL OpenFile::Write(const void* buffer, DWORD bytes, DWORD* written) {
+BOOL DiskFile::Write(const void* buffer, DWORD bytes, DWORD* written) {
   if ((access_ & GENERIC_WRITE) == 0) return Fail(ERROR_ACCESS_DENIED, FALSE);
   if (bytes == 0) return TRUE;
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -99,7 +93,7 @@ BOOL OpenFile::Write(const void* buffer, DWORD bytes, DWORD* written) {
   return TRUE;
 }
 
-DWORD OpenFile::WriteAtPosition(const char* bytes, DWORD count) {
+DWORD DiskFile::WriteAtPosition(const char* bytes, DWORD count) {
   const std::uint64_t size = Size();
   const std::uint64_t end = static_cast<std::uint64_t>(position_) + count;
   const std::uint64_t growth = end - std::min(end, size);
@@ -110,12 +104,12 @@ DWORD OpenFile::WriteAtPosition(const char* bytes, DWORD count) {
   return error;
 }
 
-std::uint64_t OpenFile::Size() const {
+std::uint64_t DiskFile::Size() const {
   struct stat facts {};
   return fstat(file_.get(), &facts) == 0 ? static_cast<std::uint64_t>(facts.st_size) : 0;
 }
 
-std::int64_t OpenFile::Seek(std::int64_t distance, DWORD method, bool fits_32_bits) {
+std::int64_t DiskFile::Seek(std::int64_t distance, DWORD method, bool fits_32_bits) {
   const std::lock_guard<std::mutex> lock(mutex_);
   std::int64_t from = 0;
   if (method == FILE_CURRENT) {
@@ -133,9 +127,11 @@ std::int64_t OpenFile::Seek(std::int64_t distance, DWORD method, bool fits_32_bi
   return position;
 }
 
-DWORD OpenAt(const Place& place, std::u16string_view path, const OpenMode& mode, std::shared_ptr<OpenFile>* file) {
+DWORD OpenAt(const Place& place, std::u16string_view path, const OpenRequest& request,
+             std::shared_ptr<DiskFile>* file) {
   const std::string name = WideToUtf8(path);
-  return mode.disposition == CREATE_NEW ? MakeNew(place, name, mode, file) : OpenExisting(place, name, mode, file);
+  const bool anew = request.disposition == CREATE_NEW;
+  return anew ? MakeNew(place, name, request, file) : OpenExisting(place, name, request, file);
 }
 
 }  // namespace host

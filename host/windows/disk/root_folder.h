@@ -1,9 +1,8 @@
-// The folder behind common/files/file_root.h.
-#ifndef QXHOST_WINDOWS_DISK_FILE_ROOT_H
-#define QXHOST_WINDOWS_DISK_FILE_ROOT_H
+// The root's folder on this host.
+#ifndef QXHOST_WINDOWS_DISK_ROOT_FOLDER_H
+#define QXHOST_WINDOWS_DISK_ROOT_FOLDER_H
 
-#include <memory>
-
+#include "common/files/root_folder.h"
 #include "common/text/utf.h"
 #include "windows/kernel/system_handle.h"
 
@@ -13,9 +12,6 @@ struct RootFolder {
   SystemHandle pin;  ///< keeps the folder where it is
   WideString path;   ///< as the system spells it ("\\?\C:\Instrument"), without a separator at its end
 };
-
-/// Null when there is none.
-std::shared_ptr<const RootFolder> FileRoot();
 
 }  // namespace host
 

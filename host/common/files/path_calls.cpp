@@ -1,13 +1,22 @@
 // Calls on one path: attributes, making and removing.
 #include "common/calls/last_error.h"
+#include "common/files/attributes.h"
+#include "common/files/disk_changes.h"
 #include "common/files/file_space.h"
 #include "common/files/files.h"
 #include "common/files/paths.h"
-#include "windows/disk/attributes.h"
-#include "windows/disk/places.h"
+#include "disk/places.h"
 
 namespace host {
 namespace {
+
+DWORD ReadAttributes(LPCWSTR path, DWORD* attributes) {
+  const auto lock = LockNames();
+  Place place;
+  const DWORD error = LocateExisting(PathText(path), &place);
+  if (error == ERROR_SUCCESS) *attributes = AttributesOf(place.entry);
+  return error;
+}
 
 DWORD MakeFolder(LPCWSTR path) {
   const auto lock = LockNames();
@@ -16,44 +25,36 @@ DWORD MakeFolder(LPCWSTR path) {
   if (error != ERROR_SUCCESS) return error;
   if (place.entry.exists()) return ERROR_ALREADY_EXISTS;
   error = ChangeRefused(place);
-  if (error != ERROR_SUCCESS) return error;
-  if (!::CreateDirectoryW(place.new_path.c_str(), nullptr)) return SystemError();
-  const SystemHandle made = OpenForFacts(place.new_path);
-  if (made.valid()) MarkMade(made.get());
-  return ERROR_SUCCESS;
+  return error == ERROR_SUCCESS ? MakeFolderAt(place) : error;
 }
 
 DWORD RemoveFolder(LPCWSTR path) {
   const auto lock = LockNames();
   Place place;
-  DWORD error = Locate(PathText(path), &place);
+  const DWORD error = Locate(PathText(path), &place);
   if (error != ERROR_SUCCESS) return error;
   if (!place.entry.exists()) return ERROR_FILE_NOT_FOUND;
-  if (!place.entry.facts.folder()) return ERROR_DIRECTORY;
-  error = ChangeRefused(place);
-  if (error != ERROR_SUCCESS) return error;
-  return ::RemoveDirectoryW(place.entry.path.c_str()) ? ERROR_SUCCESS : SystemError();
+  return place.entry.facts.folder() ? RemoveFolderAt(place) : ERROR_DIRECTORY;
 }
 
 DWORD RemoveFile(LPCWSTR path) {
   const auto lock = LockNames();
   Place place;
-  const DWORD error = LocateExisting(PathText(path), &place);
+  DWORD error = LocateExisting(PathText(path), &place);
   if (error != ERROR_SUCCESS) return error;
   if (place.entry.facts.folder()) return ERROR_ACCESS_DENIED;
-  if (!::DeleteFileW(place.entry.path.c_str())) return SystemError();
-  GiveFileSpace(place.entry.facts.size);
-  return ERROR_SUCCESS;
+  error = RemoveFileAt(place);
+  if (error == ERROR_SUCCESS) GiveFileSpace(place.entry.facts.size);
+  return error;
 }
 
 }  // namespace
 
 DWORD GetFileAttributesW(LPCWSTR path) {
   const LastErrorBefore before;
-  const auto lock = LockNames();
-  Place place;
-  const DWORD error = LocateExisting(PathText(path), &place);
-  return before.End(error, InstrumentAttributes(place.entry.facts), INVALID_FILE_ATTRIBUTES);
+  DWORD attributes = 0;
+  const DWORD error = ReadAttributes(path, &attributes);
+  return before.End(error, attributes, INVALID_FILE_ATTRIBUTES);
 }
 
 BOOL CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES) {
