@@ -1,10 +1,10 @@
 #include "common/files/copy.h"
 
 #include "common/calls/last_error.h"
-#include "common/files/attributes.h"
+#include "common/disk/attributes.h"
+#include "common/disk/paths.h"
 #include "common/files/files.h"
 #include "common/files/open_file.h"
-#include "common/files/paths.h"
 #include "disk/places.h"
 
 namespace host {

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include "common/files/places.h"
+#include "common/disk/places.h"
 
 namespace host {
 

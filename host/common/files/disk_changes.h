@@ -5,7 +5,7 @@
 
 #include <windows.h>
 
-#include "common/files/places.h"
+#include "common/disk/places.h"
 
 namespace host {
 

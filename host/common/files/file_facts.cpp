@@ -1,8 +1,8 @@
 #include "common/files/file_facts.h"
 
-#include "common/files/attributes.h"
+#include "common/disk/attributes.h"
+#include "common/disk/places.h"
 #include "common/files/file_space.h"
-#include "common/files/places.h"
 #include "disk/places.h"
 
 namespace host {

@@ -2,7 +2,7 @@
 
 #include <mutex>
 
-#include "common/files/root_folder.h"
+#include "common/disk/root_folder.h"
 
 namespace host {
 namespace {

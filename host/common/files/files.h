@@ -1,4 +1,4 @@
-// The platform's calls on files and folders. Paths are as common/files/paths.h says; without a root every path is
+// The platform's calls on files and folders. Paths are as common/disk/paths.h says; without a root every path is
 // error 3.
 //
 // Common errors: 2 nothing of that name, 3 a folder on the way is missing (or a file), 5 refused (read-only, a folder

@@ -1,9 +1,9 @@
 // MoveFileW.
 #include "common/calls/last_error.h"
+#include "common/disk/paths.h"
 #include "common/files/disk_changes.h"
 #include "common/files/file_space.h"
 #include "common/files/files.h"
-#include "common/files/paths.h"
 #include "disk/places.h"
 
 namespace host {

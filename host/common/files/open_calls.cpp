@@ -1,10 +1,10 @@
 // CreateFileW on files, and SetFilePointer.
 #include "common/calls/errors.h"
 #include "common/calls/last_error.h"
+#include "common/disk/paths.h"
 #include "common/files/file_space.h"
 #include "common/files/files.h"
 #include "common/files/open_file.h"
-#include "common/files/paths.h"
 #include "disk/places.h"
 #include "files/disk_file.h"
 

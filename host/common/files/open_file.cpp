@@ -1,6 +1,6 @@
 #include "common/files/open_file.h"
 
-#include "common/files/attributes.h"
+#include "common/disk/attributes.h"
 #include "disk/places.h"
 
 namespace host {

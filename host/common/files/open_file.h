@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "common/files/places.h"
+#include "common/disk/places.h"
 #include "common/streams/devices.h"
 
 namespace host {

@@ -1,10 +1,10 @@
 // Calls on one path: attributes, making and removing.
 #include "common/calls/last_error.h"
-#include "common/files/attributes.h"
+#include "common/disk/attributes.h"
+#include "common/disk/paths.h"
 #include "common/files/disk_changes.h"
 #include "common/files/file_space.h"
 #include "common/files/files.h"
-#include "common/files/paths.h"
 #include "disk/places.h"
 
 namespace host {

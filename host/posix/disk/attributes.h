@@ -11,7 +11,7 @@
 
 #include <ctime>
 
-#include "common/files/attributes.h"
+#include "common/disk/attributes.h"
 #include "posix/disk/entries.h"
 
 namespace host {

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "common/files/names.h"
+#include "common/disk/names.h"
 #include "posix/disk/host_errors.h"
 #include "posix/disk/host_names.h"
 

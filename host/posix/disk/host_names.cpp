@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "common/files/names.h"
+#include "common/disk/names.h"
 #include "common/text/text.h"
 #include "common/text/utf.h"
 

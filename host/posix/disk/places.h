@@ -1,4 +1,4 @@
-// Places on this host; what is done with them stands in common/files/places.h.
+// Places on this host; what is done with them stands in common/disk/places.h.
 #ifndef QXHOST_POSIX_DISK_PLACES_H
 #define QXHOST_POSIX_DISK_PLACES_H
 
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "common/files/places.h"
+#include "common/disk/places.h"
 #include "posix/disk/entries.h"
 
 namespace host {

@@ -2,7 +2,7 @@
 #ifndef QXHOST_POSIX_DISK_ROOT_FOLDER_H
 #define QXHOST_POSIX_DISK_ROOT_FOLDER_H
 
-#include "common/files/root_folder.h"
+#include "common/disk/root_folder.h"
 #include "posix/kernel/file_descriptor.h"
 
 namespace host {

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include "common/files/attributes.h"
+#include "common/disk/attributes.h"
 #include "windows/disk/entries.h"
 
 namespace host {

@@ -1,4 +1,4 @@
-// Places on this host; what is done with them stands in common/files/places.h.
+// Places on this host; what is done with them stands in common/disk/places.h.
 #ifndef QXHOST_WINDOWS_DISK_PLACES_H
 #define QXHOST_WINDOWS_DISK_PLACES_H
 
@@ -6,7 +6,7 @@
 
 #include <memory>
 
-#include "common/files/places.h"
+#include "common/disk/places.h"
 #include "windows/disk/entries.h"
 #include "windows/disk/root_folder.h"
 

@@ -2,7 +2,7 @@
 #ifndef QXHOST_WINDOWS_DISK_ROOT_FOLDER_H
 #define QXHOST_WINDOWS_DISK_ROOT_FOLDER_H
 
-#include "common/files/root_folder.h"
+#include "common/disk/root_folder.h"
 #include "common/text/utf.h"
 #include "windows/kernel/system_handle.h"
 

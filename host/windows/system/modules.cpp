@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "common/calls/errors.h"
-#include "common/files/names.h"
+#include "common/disk/names.h"
 #include "common/text/utf.h"
 
 namespace host {

@@ -1,12 +1,12 @@
 // The names that a search has found. How a folder is read is the host's.
-#ifndef QXHOST_COMMON_FILES_FOUND_NAMES_H
-#define QXHOST_COMMON_FILES_FOUND_NAMES_H
+#ifndef QXHOST_COMMON_DISK_FOUND_NAMES_H
+#define QXHOST_COMMON_DISK_FOUND_NAMES_H
 
 #include <windows.h>
 
 #include <memory>
 
-#include "common/files/places.h"
+#include "common/disk/places.h"
 
 namespace host {
 

@@ -1,6 +1,6 @@
-#include "common/files/paths.h"
+#include "common/disk/paths.h"
 
-#include "common/files/names.h"
+#include "common/disk/names.h"
 
 namespace host {
 namespace {

@@ -1,19 +1,17 @@
 // Where a path leads: the folder it ends in and what, if anything, has its last name there.
 //
-// A place and what is found there are the host's own, in its disk/places.h and disk/entries.h. What every host's have,
-// for the calls in common/files to look at:
+// A place and what is found there are types of the host's own. Shared code sees them through "disk/places.h", without
+// a folder in front: that is the header of the host that is built. What it may look at, as every host has it:
 //
-//   Place      folder              a DiskEntry; none for the root itself
-//              entry               a DiskEntry; none when there is nothing of that name
-//              ends_with_separator the path can mean a folder only
+//   Place      folder               a DiskEntry; none for the root itself
+//              entry                a DiskEntry; none when there is nothing of that name
+//              ends_with_separator  the path can mean a folder only
 //              is_root()
 //   DiskEntry  exists()
-//              facts.folder()      else it is a file
+//              facts.folder()       else it is a file
 //              facts.size
-//
-// Their headers are the only ones that common/ includes without "common/" in front: those of the host that is built.
-#ifndef QXHOST_COMMON_FILES_PLACES_H
-#define QXHOST_COMMON_FILES_PLACES_H
+#ifndef QXHOST_COMMON_DISK_PLACES_H
+#define QXHOST_COMMON_DISK_PLACES_H
 
 #include <windows.h>
 

@@ -1,13 +1,13 @@
-#include "common/files/found_names.h"
+#include "common/disk/found_names.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <utility>
 #include <vector>
 
-#include "common/files/names.h"
-#include "common/files/paths.h"
-#include "common/files/wild_cards.h"
+#include "common/disk/names.h"
+#include "common/disk/paths.h"
+#include "common/disk/wild_cards.h"
 #include "windows/disk/entries.h"
 
 namespace host {

@@ -1,4 +1,4 @@
-#include "common/files/names.h"
+#include "common/disk/names.h"
 
 #include <algorithm>
 

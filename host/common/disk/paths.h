@@ -9,8 +9,8 @@
 //   the last name. A colon is among them: there are no drives.
 // - Names as desktop Windows reserves them ("NUL", "CON") are names like any other.
 // - MAX_PATH units or more, or a name of more than 255, are error 206; no path at all is error 3.
-#ifndef QXHOST_COMMON_FILES_PATHS_H
-#define QXHOST_COMMON_FILES_PATHS_H
+#ifndef QXHOST_COMMON_DISK_PATHS_H
+#define QXHOST_COMMON_DISK_PATHS_H
 
 #include <windows.h>
 

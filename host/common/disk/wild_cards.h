@@ -2,8 +2,8 @@
 //
 // "*" stands for any text and "?" for one character; at the end of a name or before a dot "?" may stand for none. "*.*"
 // means every name, with a dot or without, and "*." every name without one. Letter case does not matter.
-#ifndef QXHOST_COMMON_FILES_WILD_CARDS_H
-#define QXHOST_COMMON_FILES_WILD_CARDS_H
+#ifndef QXHOST_COMMON_DISK_WILD_CARDS_H
+#define QXHOST_COMMON_DISK_WILD_CARDS_H
 
 #include "common/text/utf.h"
 

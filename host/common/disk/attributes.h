@@ -1,6 +1,6 @@
 // Attributes and times of what is on this machine's disk, as the instrument has them. How they are kept is the host's.
-#ifndef QXHOST_COMMON_FILES_ATTRIBUTES_H
-#define QXHOST_COMMON_FILES_ATTRIBUTES_H
+#ifndef QXHOST_COMMON_DISK_ATTRIBUTES_H
+#define QXHOST_COMMON_DISK_ATTRIBUTES_H
 
 #include <windows.h>
 

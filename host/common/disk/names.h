@@ -1,8 +1,8 @@
 // Names of files and folders: what the platform allows, and letter case.
 //
 // Names are compared by their units in simple upper case and kept as they were first written.
-#ifndef QXHOST_COMMON_FILES_NAMES_H
-#define QXHOST_COMMON_FILES_NAMES_H
+#ifndef QXHOST_COMMON_DISK_NAMES_H
+#define QXHOST_COMMON_DISK_NAMES_H
 
 #include <cstddef>
 

@@ -1,6 +1,6 @@
 // The folder behind common/files/file_root.h.
-#ifndef QXHOST_COMMON_FILES_ROOT_FOLDER_H
-#define QXHOST_COMMON_FILES_ROOT_FOLDER_H
+#ifndef QXHOST_COMMON_DISK_ROOT_FOLDER_H
+#define QXHOST_COMMON_DISK_ROOT_FOLDER_H
 
 #include <memory>
 #include <string>

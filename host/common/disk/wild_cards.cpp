@@ -1,8 +1,8 @@
-#include "common/files/wild_cards.h"
+#include "common/disk/wild_cards.h"
 
 #include <vector>
 
-#include "common/files/names.h"
+#include "common/disk/names.h"
 
 namespace host {
 namespace {

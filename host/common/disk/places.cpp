@@ -1,8 +1,8 @@
-#include "common/files/places.h"
+#include "common/disk/places.h"
 
 #include <utility>
 
-#include "common/files/paths.h"
+#include "common/disk/paths.h"
 #include "disk/places.h"
 
 namespace host {

@@ -1,4 +1,4 @@
-#include "common/files/found_names.h"
+#include "common/disk/found_names.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "common/files/names.h"
-#include "common/files/paths.h"
-#include "common/files/wild_cards.h"
+#include "common/disk/names.h"
+#include "common/disk/paths.h"
+#include "common/disk/wild_cards.h"
 #include "posix/disk/entries.h"
 #include "posix/disk/host_names.h"
 
