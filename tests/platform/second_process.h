@@ -1,6 +1,6 @@
 // Tests with a real second process: this test program again, playing one of the roles that the tests define.
 //
-// host_second_process.cpp is the only file of these tests that knows how the host starts and ends processes.
+// started_process.h is the only header of these tests that knows how the host starts and ends processes.
 #ifndef QXTEST_PLATFORM_SECOND_PROCESS_H
 #define QXTEST_PLATFORM_SECOND_PROCESS_H
 
