@@ -14,7 +14,7 @@ class FoundNames {
  public:
   virtual ~FoundNames() = default;
 
-  /// Looks what has the next name now; an entry that does not exist when nothing has. False when there is no further
+  /// Looks what has the next name now: an entry that does not exist when nothing has. False when there is no further
   /// name.
   virtual bool Next(DiskEntry* entry) = 0;
 };

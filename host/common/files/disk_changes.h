@@ -18,7 +18,7 @@ DWORD RemoveFolderAt(const Place& place);
 /// Removes the file that is there, if it may be.
 DWORD RemoveFileAt(const Place& place);
 
-/// Gives what is at one place the name and folder of the other, where nothing is or the same in other letter case.
+/// Gives what is at one place the name and folder of the other, where nothing is or the same, in any letter case.
 DWORD MoveTo(const Place& from, const Place& to);
 
 // What a move looks at.
