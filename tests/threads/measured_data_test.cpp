@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <string>
 #include <thread>
 
@@ -58,7 +59,7 @@ TEST(MeasuredData, NoReplyMixesTwoUpdatesAndNoMessageIsLostAtAThousandEventsASec
   ASSERT_EQ(line.Exchange("ST_OMD,ANG=21,TLT=1,DST=11,KEY=1"), qxtest::kAck);
 
   std::atomic<bool> done{false};
-  std::thread events([&] {
+  std::future<void> events = std::async(std::launch::async, [&] {
     for (int n = 1; n <= kEvents; ++n) {
       SetAll(n);
       manager.HandleEvent(kAngleEvent | kTiltEvent | kDistanceReady);
@@ -77,7 +78,7 @@ TEST(MeasuredData, NoReplyMixesTwoUpdatesAndNoMessageIsLostAtAThousandEventsASec
     ASSERT_TRUE(AllSame(reply, {"HAN", "VAN", "HAF", "VAF", "HAR", "VAR"})) << reply;
     ASSERT_TRUE(AllSame(reply, {"XTL", "YTL"})) << reply;
   }
-  events.join();
+  events.get();
   messages += line.Exchange("GT_MDT");
   EXPECT_GT(replies, kEvents / 10);
   EXPECT_EQ(Count(messages, "A<MDT,HAR="), std::size_t{kEvents});
