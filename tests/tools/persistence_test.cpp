@@ -280,11 +280,11 @@ TEST(PersistentStateTest, ADiskThatIsFullRefusesTheChangeAndKeepsTheFile) {
   std::signal(SIGXFSZ, SIG_IGN);
   const rlimit small = {before.size() / 2, old.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  EXPECT_EQ(Store(TEXT("Count"), 7), static_cast<LONG>(ERROR_DISK_FULL));
+  EXPECT_EQ(Store(TEXT("Written"), 7), static_cast<LONG>(ERROR_DISK_FULL));
   setrlimit(RLIMIT_FSIZE, &old);
   EXPECT_EQ(Content(folder / "state.json"), before);
   EXPECT_FALSE(fs::exists(folder / "state.json.new"));
-  EXPECT_EQ(Store(TEXT("Count"), 7), 0);
+  EXPECT_EQ(Store(TEXT("Written"), 7), 0);
 }
 
 TEST(PersistentStateTest, SavingASectionThatWasNeverAddedIsAnError) {
