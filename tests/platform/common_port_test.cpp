@@ -130,6 +130,24 @@ TEST_F(CommonPort, TheNextSharerReceivesOnceTheFirstHasClosed) {
   EXPECT_EQ(second.Read(3), "abc");
 }
 
+TEST_F(CommonPort, ClosingTheHandleEndsTheWaitOfASharerThatDoesNotReceive) {
+  host::SharePorts(true);
+  ControllerLine line;
+  OpenedPort first;
+  const HANDLE second = OpenPort();
+  SetCommMask(second, EV_RXCHAR);
+  std::atomic<bool> begun{false};
+  auto wait = std::async(std::launch::async, [&begun, second] {
+    DWORD mask = 0;
+    begun = true;
+    return WaitCommEvent(second, &mask, nullptr) ? 0u : GetLastError();
+  });
+  while (!begun) std::this_thread::yield();
+  EXPECT_EQ(wait.wait_for(milliseconds(100)), std::future_status::timeout);
+  EXPECT_TRUE(CloseHandle(second));
+  EXPECT_EQ(wait.get(), DWORD{ERROR_OPERATION_ABORTED});
+}
+
 TEST_F(CommonPort, APortWhoseDeviceIsMissingIsNotFound) {
   host::AttachDevice("COM5:", "no-such-device");
   EXPECT_EQ(OpenPort(), INVALID_HANDLE_VALUE);

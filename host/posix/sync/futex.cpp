@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <ctime>
 
@@ -26,11 +27,6 @@ timespec ToTimespec(Deadline deadline) {
 }
 
 }  // namespace
-
-Deadline DeadlineAfter(DWORD milliseconds) {
-  if (milliseconds == INFINITE) return kNever;
-  return std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-}
 
 bool FutexWait(const FutexWord& word, std::uint32_t expected, Deadline deadline, FutexScope scope) {
   const timespec until = deadline == kNever ? timespec{} : ToTimespec(deadline);

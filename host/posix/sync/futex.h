@@ -2,19 +2,12 @@
 #ifndef QXHOST_POSIX_SYNC_FUTEX_H
 #define QXHOST_POSIX_SYNC_FUTEX_H
 
-#include <windows.h>
-
 #include <atomic>
-#include <chrono>
 #include <cstdint>
 
+#include "common/sync/deadline.h"
+
 namespace host {
-
-using Deadline = std::chrono::steady_clock::time_point;
-constexpr Deadline kNever = Deadline::max();
-
-/// So many milliseconds from now; kNever for INFINITE.
-Deadline DeadlineAfter(DWORD milliseconds);
 
 using FutexWord = std::atomic<std::uint32_t>;
 enum class FutexScope { kProcess, kShared };  ///< kShared: in memory that processes share
