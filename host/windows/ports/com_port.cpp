@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "common/calls/errors.h"
+#include "windows/kernel/last_error.h"
 
 namespace host {
 namespace {
@@ -34,6 +35,12 @@ std::shared_ptr<ComPort> ComPort::Open(const std::shared_ptr<ComLine>& line) {
   if (error != NO_ERROR) return Fail(error, std::shared_ptr<ComPort>());
   port->handle_ = line->handle();
   return port;
+}
+
+// A call on its way out may hold the last reference, with its error set.
+ComPort::~ComPort() {
+  const KeepLastError keep;
+  Leave();
 }
 
 // ---- Events
@@ -91,7 +98,11 @@ DWORD ComPort::Overlapped(Call call, DWORD* count) {
   Pending pending;
   if (call(port, &pending.overlapped) == FALSE && GetLastError() != ERROR_IO_PENDING) return GetLastError();
   const HANDLE ends[] = {pending.event.get(), closed_event_.get()};
-  if (::WaitForMultipleObjects(2, ends, FALSE, INFINITE) != WAIT_OBJECT_0) ::CancelIoEx(port, &pending.overlapped);
+  if (::WaitForMultipleObjects(2, ends, FALSE, INFINITE) != WAIT_OBJECT_0) {
+    do {  // once may not do: Wine does not find a call that is just getting on
+      ::CancelIoEx(port, &pending.overlapped);
+    } while (::WaitForSingleObject(pending.event.get(), 1) != WAIT_OBJECT_0);
+  }
   if (::GetOverlappedResult(port, &pending.overlapped, count, TRUE) != FALSE) return NO_ERROR;
   return GetLastError() == ERROR_TIMEOUT ? NO_ERROR : GetLastError();
 }

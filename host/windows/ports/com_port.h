@@ -19,7 +19,7 @@ class ComPort final : public LinePort {
  public:
   /// Opens the line; null with the last error set when it is in use (5) or cannot be opened.
   static std::shared_ptr<ComPort> Open(const std::shared_ptr<ComLine>& line);
-  ~ComPort() override { Leave(); }
+  ~ComPort() override;
 
   BOOL GetState(DCB* state) override;
   BOOL SetState(const DCB& state) override;
