@@ -16,7 +16,6 @@ namespace host::instrument {
 namespace {
 constexpr WCHAR kBlockName[] = TEXT("KORAX-HALVERN.RZM.CMemFocusDat");
 constexpr WCHAR kMutexName[] = TEXT("KORAX-HALVERN.RZM.CMemFocusMtx");
-constexpr DWORD kEventSet = 3;
 
 std::mutex instance_mutex;
 std::shared_ptr<FocusSide> instance;  // guarded by instance_mutex

@@ -13,7 +13,6 @@ namespace {
 constexpr WCHAR kKeyEventName[] = TEXT("KORAX-HALVERN.RZM.CommKeyDownEv");
 constexpr WCHAR kKeyBlockName[] = TEXT("KORAX-HALVERN.RZM.CommKeyData");
 constexpr WCHAR kKeyMutexName[] = TEXT("KORAX-HALVERN.RZM.CommKeyDataMtx");
-constexpr DWORD kSetEvent = 3;
 
 }  // namespace
 
@@ -42,7 +41,7 @@ bool KeyProcess::Announce(const std::vector<std::uint32_t>& codes, std::chrono::
   for (const std::uint32_t code : codes) {
     if (!Write(code, time)) return false;
   }
-  return host::EventModify(event_, kSetEvent) != FALSE;
+  return host::EventModify(event_, kEventSet) != FALSE;
 }
 
 bool KeyProcess::Write(std::uint32_t code, std::chrono::milliseconds time) {

@@ -12,7 +12,10 @@ namespace host {
 /// long). Else the last error is 183 when the event existed (the other arguments are then ignored) and 0 otherwise.
 HANDLE CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manual_reset, BOOL initial_state, LPCWSTR name);
 
-/// Function 2 resets, 3 sets the event. FALSE: last error 6 (no event) or 87 (another function).
+constexpr DWORD kEventReset = 2;
+constexpr DWORD kEventSet = 3;
+
+/// Resets or sets the event. FALSE: last error 6 (no event) or 87 (another function).
 BOOL EventModify(HANDLE event, DWORD function);
 
 /// Creates or opens a mutex; last errors as for events. Its owner may take it again and releases it as often. A mutex

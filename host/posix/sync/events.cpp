@@ -11,9 +11,6 @@
 namespace host {
 namespace {
 
-constexpr DWORD kReset = 2;
-constexpr DWORD kSet = 3;
-
 class Event final : public Waitable {
  public:
   explicit Event(EventState state) : own_(state), state_(own_) {}
@@ -54,8 +51,8 @@ HANDLE CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manual_reset, BOOL initial_state
 BOOL EventModify(HANDLE handle, DWORD function) {
   const auto event = FindHandle<Event>(handle);
   if (event == nullptr) return FALSE;
-  if (function != kSet && function != kReset) return Fail(ERROR_INVALID_PARAMETER, FALSE);
-  event->Modify(function == kSet);
+  if (function != kEventSet && function != kEventReset) return Fail(ERROR_INVALID_PARAMETER, FALSE);
+  event->Modify(function == kEventSet);
   return TRUE;
 }
 

@@ -7,12 +7,6 @@
 #include "windows/kernel/real_handles.h"
 
 namespace host {
-namespace {
-
-constexpr DWORD kReset = 2;
-constexpr DWORD kSet = 3;
-
-}  // namespace
 
 HANDLE CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manual_reset, BOOL initial_state, LPCWSTR name) {
   const WideString system_name = SystemName(name);
@@ -22,8 +16,8 @@ HANDLE CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manual_reset, BOOL initial_state
 }
 
 BOOL EventModify(HANDLE event, DWORD function) {
-  if (function == kSet) return ::SetEvent(event);
-  return function == kReset ? ::ResetEvent(event) : Fail(ERROR_INVALID_PARAMETER, FALSE);
+  if (function == kEventSet) return ::SetEvent(event);
+  return function == kEventReset ? ::ResetEvent(event) : Fail(ERROR_INVALID_PARAMETER, FALSE);
 }
 
 HANDLE CreateMutexW(LPSECURITY_ATTRIBUTES, BOOL initial_owner, LPCWSTR name) {
