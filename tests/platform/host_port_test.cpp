@@ -119,6 +119,18 @@ TEST(HostPort, RefusesADeviceThatAnotherProgramHolds) {
   EXPECT_EQ(port.Write("free"), 4u);
 }
 
+TEST(HostPort, AReadOnAnUnpluggedDeviceFailsAtAnyPace) {
+  host::PacePorts(9600);
+  Adapter adapter;
+  OpenedPort port;
+  adapter.Unplug();
+  DWORD count = 0;
+  char byte = 0;
+  EXPECT_FALSE(ReadFile(port, &byte, 1, &count, nullptr));
+  EXPECT_EQ(GetLastError(), ERROR_IO_DEVICE);
+  host::PacePorts(0);
+}
+
 // Pages that the process holds in memory.
 long ResidentPages() {
   long size = 0, resident = 0;

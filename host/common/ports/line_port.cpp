@@ -84,7 +84,8 @@ DWORD LinePort::Transfer(Way way, const char* buffer, DWORD bytes, DWORD* done, 
     if (error != NO_ERROR) return *done > 0 ? NO_ERROR : error;
     const bool waited_for = may.all && waiting_ == Waiting::kByDriver;
     if (waited_for || std::chrono::steady_clock::now() >= deadline) return NO_ERROR;
-    if (count == 0) AwaitLine(way, may.line_decides, std::min(deadline, may.look_again));
+    const bool failed = count == 0 && !AwaitLine(way, may.line_decides, std::min(deadline, may.look_again));
+    if (failed && !closed_) return *done > 0 ? NO_ERROR : ERROR_IO_DEVICE;
   }
   return *done >= bytes ? NO_ERROR : ERROR_OPERATION_ABORTED;
 }

@@ -66,8 +66,8 @@ class LinePort : public SerialPort, protected LineUser {
   /// Each moves some bytes, which may be none.
   virtual DWORD ReadSome(char* buffer, DWORD bytes, DWORD* read) = 0;
   virtual DWORD WriteSome(const char* buffer, DWORD bytes, DWORD* written) = 0;
-  /// Waits for the time or, when it decides, until the line may be ready.
-  virtual void AwaitLine(Way way, bool line_decides, Deadline until) = 0;
+  /// Waits for the time or, when it decides, until the line may be ready. False: the line has failed.
+  virtual bool AwaitLine(Way way, bool line_decides, Deadline until) = 0;
   /// Waits for the wait's events, until `input` may have changed, or to be woken. False: the line has failed.
   virtual bool AwaitEvent(const CommWait& wait, const Allowance& input, DWORD* seen) = 0;
 

@@ -56,9 +56,9 @@ void TtyPort::Wake() { eventfd_write(wake_.get(), 1); }
 
 void TtyPort::EndTransfers() { eventfd_write(closed_wake_.get(), 1); }
 
-void TtyPort::AwaitLine(Way way, bool line_decides, Deadline until) {
+bool TtyPort::AwaitLine(Way way, bool line_decides, Deadline until) {
   const short ready = way == Way::kIn ? POLLIN : POLLOUT;
-  WaitForTty(closed_wake_, line_decides ? ready : 0, until);
+  return WaitForTty(closed_wake_, line_decides ? ready : 0, until) != Waited::kBroken;
 }
 
 bool TtyPort::AwaitEvent(const CommWait&, const Allowance& input, DWORD* seen) {

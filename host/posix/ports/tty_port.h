@@ -34,7 +34,7 @@ class TtyPort final : public LinePort {
   DWORD InputWaiting() const override;
   DWORD ReadSome(char* buffer, DWORD bytes, DWORD* read) override;
   DWORD WriteSome(const char* buffer, DWORD bytes, DWORD* written) override;
-  void AwaitLine(Way way, bool line_decides, Deadline until) override;
+  bool AwaitLine(Way way, bool line_decides, Deadline until) override;
   bool AwaitEvent(const CommWait& wait, const Allowance& input, DWORD* seen) override;
 
   long InputInTty() const;

@@ -87,8 +87,8 @@ DWORD ComPort::InputWaiting() const {
   return ::ClearCommError(handle_->get(), &errors, &status) != FALSE ? status.cbInQue : 0;
 }
 
-void ComPort::AwaitLine(Way, bool line_decides, Deadline until) {
-  ::WaitForSingleObject(closed_event_.get(), LookAgain(line_decides, until));
+bool ComPort::AwaitLine(Way, bool line_decides, Deadline until) {
+  return ::WaitForSingleObject(closed_event_.get(), LookAgain(line_decides, until)) != WAIT_FAILED;
 }
 
 // Makes one call and waits for its end; a call that the driver's time-out ends has moved fewer bytes.
