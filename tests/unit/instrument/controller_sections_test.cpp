@@ -24,6 +24,16 @@ using Record = std::array<std::uint32_t, 4>;
 
 class ControllerSections : public SimulatorTest {
  protected:
+  // The service asks for the batteries once right after its open: no test shall meet that.
+  void SetUp() override {
+    const auto asked = [&] {
+      const Json calls = CallsSince(0);
+      return std::any_of(calls.begin(), calls.end(),
+                         [](const Json& call) { return call["call"] == QX_BATTERY_QUERY_ORDINAL; });
+    };
+    ASSERT_TRUE(WaitUntil(asked));
+  }
+
   Json Patch(const std::string& section, const Json& patch) const {
     return Ask("PATCH", "/state", {{section, patch}})[section];
   }
@@ -60,13 +70,6 @@ TEST_F(BatterySection, IsReadThroughTheQuery) {
 }
 
 TEST_F(BatterySection, ListsTheQueryByItsOrdinal) {
-  // The service asks once right after its open.
-  const auto asked = [&] {
-    const Json calls = CallsSince(0);
-    return std::any_of(calls.begin(), calls.end(),
-                       [](const Json& call) { return call["call"] == QX_BATTERY_QUERY_ORDINAL; });
-  };
-  ASSERT_TRUE(WaitUntil(asked));
   const std::uint64_t since = NextCall();
   Record record = {};
   FindQuery()(record.data());
