@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "common/calls/errors.h"
-#include "windows/kernel/last_error.h"
+#include "common/calls/last_error.h"
 
 namespace host {
 namespace {
