@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "common/calls/ce_calls.h"
 #include "common/system/identity.h"
@@ -26,12 +27,7 @@ class ControllerSections : public SimulatorTest {
  protected:
   // The service asks for the batteries once right after its open: no test shall meet that.
   void SetUp() override {
-    const auto asked = [&] {
-      const Json calls = CallsSince(0);
-      return std::any_of(calls.begin(), calls.end(),
-                         [](const Json& call) { return call["call"] == QX_BATTERY_QUERY_ORDINAL; });
-    };
-    ASSERT_TRUE(WaitUntil(asked));
+    ASSERT_TRUE(WaitUntil([&] { return !CallsSince(0, {QX_BATTERY_QUERY_ORDINAL}).empty(); }));
   }
 
   Json Patch(const std::string& section, const Json& patch) const {
@@ -41,7 +37,15 @@ class ControllerSections : public SimulatorTest {
     return Call("PATCH", "/state", {{section, patch}}).status == 400;
   }
   std::uint64_t NextCall() const { return Ask("GET", "/calls")["next"]; }
-  Json CallsSince(std::uint64_t n) const { return Ask("GET", "/calls?since=" + std::to_string(n))["calls"]; }
+  /// Those of these names or ordinals: the threads of the open service make calls of their own all the while.
+  Json CallsSince(std::uint64_t n, const std::vector<Json>& names) const {
+    const Json calls = Ask("GET", "/calls?since=" + std::to_string(n))["calls"];
+    Json found = Json::array();
+    for (const Json& call : calls) {
+      if (std::find(names.begin(), names.end(), call["call"]) != names.end()) found.push_back(call);
+    }
+    return found;
+  }
 };
 
 using BatterySection = ControllerSections;
@@ -73,10 +77,9 @@ TEST_F(BatterySection, ListsTheQueryByItsOrdinal) {
   const std::uint64_t since = NextCall();
   Record record = {};
   FindQuery()(record.data());
-  const Json calls = CallsSince(since);
-  ASSERT_EQ(calls.size(), 1u);
+  const Json calls = CallsSince(since, {QX_BATTERY_QUERY_ORDINAL});
+  ASSERT_EQ(calls.size(), 1u) << calls;
   EXPECT_EQ(calls[0]["library"], "QxSystem");
-  EXPECT_EQ(calls[0]["call"], QX_BATTERY_QUERY_ORDINAL);
   EXPECT_EQ(calls[0]["args"], Json::array());
   EXPECT_EQ(calls[0]["result"], 0);
 }
@@ -223,8 +226,9 @@ TEST_F(ClockSection, ListsSettingTheClockAndTheZoneAndNothingElseOfThem) {
   SetLocalTime(&time);
   SetTimeZoneInformation(&zone);
   SetLocalTime(nullptr);
-  const Json calls = CallsSince(since);
-  ASSERT_EQ(calls.size(), 3u);
+  const Json calls =
+      CallsSince(since, {"GetLocalTime", "SetLocalTime", "GetTimeZoneInformation", "SetTimeZoneInformation"});
+  ASSERT_EQ(calls.size(), 3u) << calls;
   EXPECT_EQ(calls[0]["call"], "SetLocalTime");
   EXPECT_EQ(calls[0]["args"], Json::array());
   EXPECT_EQ(calls[1]["call"], "SetTimeZoneInformation");
@@ -259,8 +263,8 @@ TEST_F(SystemSection, IsWhatTheLibraryIsTold) {
   const std::uint64_t since = NextCall();
   EXPECT_EQ(GetProductOSRevision(), 0xFF000180u);
   EXPECT_EQ(GetSystemDefaultLangID(), 1041);
-  const Json calls = CallsSince(since);
-  ASSERT_EQ(calls.size(), 1u);
+  const Json calls = CallsSince(since, {"GetProductOSRevision", "GetSystemDefaultLangID"});
+  ASSERT_EQ(calls.size(), 1u) << calls;
   EXPECT_EQ(calls[0]["library"], "OPVLIB");
   EXPECT_EQ(calls[0]["call"], "GetProductOSRevision");
   EXPECT_EQ(calls[0]["args"], Json::array());
