@@ -152,7 +152,7 @@ TEST_F(Session, WaitsInTimeAlsoWhenThePlatformRefusesToWait) {
   I2cSession session(bus_, qxcm::kTiltSensor, give_up_);
   const Failing waits("WaitForSingleObject", ERROR_INVALID_HANDLE, 1, kForGood);
   const double time = MillisecondsOf([&] { EXPECT_TRUE(session.Wait(100)); });
-  EXPECT_GE(time, 100);
+  EXPECT_GE(time, 99) << "the tick that it begins in may be nearly over";
   EXPECT_LE(time, 200);
 }
 
