@@ -1,9 +1,10 @@
 # Tells ctest the tests of a program: one by one, or by suites (QX_TESTS_BY_SUITE), which run in half the time.
-# qx_list_tests(NAME folder [PROPERTIES of the tests for ctest ...])
+# On Windows they run through Wine, with its prefix up (the fixture wine).
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 set(records ${CMAKE_BINARY_DIR}/records)
 if(WIN32)
   set(through_wine --wine ${PROJECT_SOURCE_DIR}/scripts/wine)
+  set(needs_wine FIXTURES_REQUIRED wine)
 endif()
 
 function(qx_list_tests name folder)
@@ -15,9 +16,9 @@ function(qx_list_tests name folder)
   if(WIN32)
     list(APPEND discovery DISCOVERY_MODE PRE_TEST)
   endif()
-  gtest_discover_tests(${name} ${discovery} TEST_FILTER "-*InTime*" PROPERTIES TIMEOUT 120 ${ARGN})
+  gtest_discover_tests(${name} ${discovery} TEST_FILTER "-*InTime*" PROPERTIES TIMEOUT 120 ${needs_wine})
   gtest_discover_tests(${name} ${discovery} TEST_FILTER "*InTime*" TEST_LIST ${name}_in_time
-    PROPERTIES TIMEOUT 120 LABELS in_time ${ARGN})
+    PROPERTIES TIMEOUT 120 LABELS in_time ${needs_wine})
 endfunction()
 
 # The program is asked for its suites whenever ctest starts.
