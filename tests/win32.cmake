@@ -1,4 +1,4 @@
-# The platform's contract on the system's real calls, under Wine..
+# The platform's contract on the system's real calls, under Wine.
 set(QX_GOOGLETEST /usr/src/googletest CACHE PATH "sources of GoogleTest, which is built for Windows here")
 set(gtest_disable_pthreads ON)
 set(INSTALL_GTEST OFF)
